@@ -1,0 +1,100 @@
+#include "platform/linux/video/MpvHandle.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Option = std::pair<const char*, const char*>;
+
+constexpr Option options[] = {
+    { "vo", "libmpv" },
+    { "pause", "yes" },
+    { "idle", "yes" },
+    { "keep-open", "yes" },
+    { "keep-open-pause", "no" },
+    { "panscan", "1.0" },
+    { "sws-allow-zimg", "no" },
+    { "sws-fast", "yes" },
+    { "sws-scaler", "fast-bilinear" },
+    // Nothing but the file: no configuration, scripts, key bindings, neighbours, references to
+    // other files or sites, subtitles or remembered positions.
+    { "config", "no" },
+    { "load-scripts", "no" },
+    { "ytdl", "no" },
+    { "osd-level", "0" },
+    { "sid", "no" },
+    { "sub-auto", "no" },
+    { "audio-file-auto", "no" },
+    { "cover-art-auto", "no" },
+    { "audio-display", "no" },
+    { "ordered-chapters", "no" },
+    { "access-references", "no" },
+    { "resume-playback", "no" },
+    { "input-default-bindings", "no" },
+    { "input-vo-keyboard", "no" },
+    { "terminal", "no" },
+    { "stop-screensaver", "no" },
+    { "audio-client-name", "TavelorHelper" },
+    // A local file needs little read ahead.
+    { "cache", "no" },
+    { "demuxer-max-bytes", "8MiB" },
+    { "demuxer-max-back-bytes", "0" },
+};
+
+/// Whether there is a device that could decode. Where there is none, looking for decoders would
+/// only load their libraries, at the cost of start-up time and memory, and print their complaints.
+bool hasGraphicsDevice()
+{
+    const auto renderNodes = QDir(QStringLiteral("/dev/dri")).entryList({ QStringLiteral("renderD*") }, QDir::System);
+    return !renderNodes.isEmpty() || QFileInfo::exists(QStringLiteral("/dev/nvidiactl"));
+}
+
+/// Each decoding thread keeps pictures of its own, 3 MB each at 1080p: more threads than a large
+/// video needs would only cost memory.
+std::string decodingThreads()
+{
+    return std::to_string(std::clamp(std::thread::hardware_concurrency(), 1U, 8U));
+}
+
+}
+
+MpvHandle Mpv::create()
+{
+    MpvHandle handle(mpv_create());
+    if (!handle)
+        qFatal("libmpv cannot start: out of memory, or the locale's LC_NUMERIC is not C.");
+    // An option that another version of libmpv does not know is no reason not to play.
+    for (const auto& [name, value] : options)
+        mpv_set_option_string(handle.get(), name, value);
+    // Hardware decoders must copy back: the pictures are drawn by the CPU.
+    mpv_set_option_string(handle.get(), "hwdec", hasGraphicsDevice() ? "auto-copy-safe" : "no");
+    mpv_set_option_string(handle.get(), "vd-lavc-threads", decodingThreads().c_str());
+    if (const int error = mpv_initialize(handle.get()); error < 0)
+        qFatal("libmpv cannot start: %s", mpv_error_string(error));
+    return handle;
+}
+
+void Mpv::setFlag(mpv_handle* handle, const char* property, bool value)
+{
+    int flag = value ? 1 : 0;
+    mpv_set_property_async(handle, 0, property, MPV_FORMAT_FLAG, &flag);
+}
+
+void Mpv::setDouble(mpv_handle* handle, const char* property, double value)
+{
+    mpv_set_property_async(handle, 0, property, MPV_FORMAT_DOUBLE, &value);
+}
+
+void Mpv::command(mpv_handle* handle, std::initializer_list<const char*> words, std::uint64_t request)
+{
+    std::vector<const char*> arguments(words);
+    arguments.push_back(nullptr);
+    mpv_command_async(handle, request, arguments.data());
+}

@@ -1,0 +1,175 @@
+#include "platform/linux/video/RenderThread.h"
+
+#include <QtGlobal>
+
+#include <array>
+#include <future>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+#include <utility>
+
+namespace {
+
+struct RenderContextDeleter {
+    void operator()(mpv_render_context* context) const { mpv_render_context_free(context); }
+};
+using RenderContext = std::unique_ptr<mpv_render_context, RenderContextDeleter>;
+
+RenderContext createContext(mpv_handle* core, const char* api)
+{
+    mpv_render_param parameters[] = {
+        { MPV_RENDER_PARAM_API_TYPE, const_cast<char*>(api) }, // read only, says render.h
+        { MPV_RENDER_PARAM_INVALID, nullptr },
+    };
+    mpv_render_context* context = nullptr;
+    if (const int error = mpv_render_context_create(&context, core, parameters); error < 0)
+        qFatal("libmpv cannot draw: %s", mpv_error_string(error));
+    return RenderContext(context);
+}
+
+/// Takes a picture that nobody will see, or libmpv would wait for it.
+void skipPicture(mpv_render_context& context)
+{
+    int yes = 1;
+    int no = 0;
+    mpv_render_param parameters[] = {
+        { MPV_RENDER_PARAM_SKIP_RENDERING, &yes },
+        { MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &no },
+        { MPV_RENDER_PARAM_INVALID, nullptr },
+    };
+    mpv_render_context_render(&context, parameters);
+}
+
+}
+
+RenderThread::RenderThread(mpv_handle* core, PresenterFactory makePresenter)
+    : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+{
+    std::promise<void> started;
+    auto isStarted = started.get_future();
+    m_thread = std::thread([this, core, make = std::move(makePresenter), &started]() mutable {
+        pthread_setname_np(pthread_self(), "pictures");
+        auto presenter = make();
+        const auto context = createContext(core, presenter->renderApi());
+        mpv_render_context_set_update_callback(
+            context.get(),
+            [](void* self) { static_cast<RenderThread*>(self)->wake(); },
+            this);
+        started.set_value();
+        loop(*context, *presenter);
+        mpv_render_context_set_update_callback(context.get(), nullptr, nullptr);
+    });
+    isStarted.wait();
+}
+
+RenderThread::~RenderThread()
+{
+    order([](Orders& orders) { orders.quit = true; });
+    m_thread.join();
+    close(m_wakeDescriptor);
+}
+
+void RenderThread::setSurface(const void* owner, const Surface& surface)
+{
+    order([&](Orders& orders) {
+        m_surfaces[owner] = surface;
+        orders.surfacesChanged = true;
+    });
+}
+
+void RenderThread::removeSurface(const void* owner)
+{
+    order([&](Orders& orders) {
+        if (m_surfaces.erase(owner) > 0)
+            orders.surfacesChanged = true;
+    });
+}
+
+void RenderThread::presentAgain()
+{
+    order([](Orders& orders) { orders.presentAgain = true; });
+}
+
+void RenderThread::clear()
+{
+    order([](Orders& orders) { orders.clear = true; });
+}
+
+void RenderThread::order(const std::function<void(Orders&)>& change)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        change(m_orders);
+    }
+    wake();
+}
+
+void RenderThread::wake() const
+{
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const auto written = write(m_wakeDescriptor, &one, sizeof one);
+}
+
+void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
+{
+    // Before there is anything, the windows keep showing what was on the screen before them.
+    enum class Content { Nothing, Picture, Black } content = Content::Nothing;
+    bool isStale = false; // the windows show something else than `content`
+    for (;;) {
+        waitForWork(presenter);
+        presenter.dispatch();
+        const auto [orders, surfaces] = takeOrders();
+        if (orders.quit)
+            return;
+
+        if (orders.surfacesChanged) {
+            presenter.setSurfaces(surfaces);
+            isStale = content != Content::Nothing;
+        }
+        if (orders.clear) {
+            content = Content::Black;
+            isStale = true;
+        }
+        if (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME) {
+            if (!presenter.hasSurfaces())
+                skipPicture(context);
+            content = Content::Picture;
+            isStale = true;
+        }
+
+        if (isStale && presenter.hasSurfaces() && presenter.isReady()) {
+            if (content == Content::Picture)
+                presenter.draw(context);
+            else
+                presenter.clear();
+            presenter.present();
+            isStale = false;
+        } else if (orders.presentAgain && !isStale && content != Content::Nothing) {
+            presenter.present();
+        }
+    }
+}
+
+void RenderThread::waitForWork(const FramePresenter& presenter) const
+{
+    std::array descriptors {
+        pollfd { m_wakeDescriptor, POLLIN, 0 },
+        pollfd { presenter.descriptor(), POLLIN, 0 },
+    };
+    poll(descriptors.data(), descriptors.size(), -1);
+    std::uint64_t count = 0;
+    [[maybe_unused]] const auto taken = read(m_wakeDescriptor, &count, sizeof count);
+}
+
+std::pair<RenderThread::Orders, std::vector<Surface>> RenderThread::takeOrders()
+{
+    const std::lock_guard lock(m_mutex);
+    std::vector<Surface> surfaces;
+    if (m_orders.surfacesChanged) {
+        for (const auto& [owner, surface] : m_surfaces)
+            surfaces.push_back(surface);
+    }
+    return { std::exchange(m_orders, {}), std::move(surfaces) };
+}

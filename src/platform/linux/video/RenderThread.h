@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/linux/video/FramePresenter.h"
+
+#include <mpv/client.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <utility>
+#include <vector>
+
+/// The one thread that draws and presents pictures. It owns libmpv's render context and makes no
+/// other call of libmpv. Other threads, libmpv's among them, only leave word and wake it up.
+class RenderThread {
+public:
+    using PresenterFactory = std::function<std::unique_ptr<FramePresenter>()>;
+
+    /// Returns when the render context is there, which has to be before anything is loaded.
+    RenderThread(mpv_handle* core, PresenterFactory makePresenter);
+    /// Frees the render context, which has to be before the core is destroyed.
+    ~RenderThread();
+    RenderThread(const RenderThread&) = delete;
+    RenderThread& operator=(const RenderThread&) = delete;
+
+    /// `owner` tells surfaces apart; it is not looked into.
+    void setSurface(const void* owner, const Surface& surface);
+    void removeSurface(const void* owner);
+    /// Puts the latest picture into the windows once more.
+    void presentAgain();
+    /// Shows black until the next picture comes.
+    void clear();
+
+private:
+    /// What the thread has been told and has not done yet.
+    struct Orders {
+        bool surfacesChanged = false;
+        bool presentAgain = false;
+        bool clear = false;
+        bool quit = false;
+    };
+
+    void loop(mpv_render_context& context, FramePresenter& presenter);
+    void waitForWork(const FramePresenter& presenter) const;
+    std::pair<Orders, std::vector<Surface>> takeOrders();
+    void wake() const;
+    void order(const std::function<void(Orders&)>& change);
+
+    int m_wakeDescriptor;
+    std::mutex m_mutex; // guards the two below
+    Orders m_orders;
+    std::map<const void*, Surface> m_surfaces;
+    std::thread m_thread;
+};

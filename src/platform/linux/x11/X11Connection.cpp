@@ -1,0 +1,132 @@
+#include "platform/linux/x11/X11Connection.h"
+
+#include <QAbstractEventDispatcher>
+
+#include <xcb/xinput.h>
+
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace {
+
+template <typename Event> const Event& as(const xcb_generic_event_t& event)
+{
+    return reinterpret_cast<const Event&>(event); // how xcb's events are meant to be read
+}
+
+std::uint8_t kind(const xcb_generic_event_t& event)
+{
+    constexpr std::uint8_t sentByClient = 0x80;
+    return event.response_type & static_cast<std::uint8_t>(~sentByClient);
+}
+
+xcb_window_t windowOf(const xcb_generic_event_t& event)
+{
+    switch (kind(event)) {
+    case XCB_EXPOSE:
+        return as<xcb_expose_event_t>(event).window;
+    case XCB_BUTTON_PRESS:
+    case XCB_BUTTON_RELEASE:
+        return as<xcb_button_press_event_t>(event).event;
+    case XCB_DESTROY_NOTIFY:
+        return as<xcb_destroy_notify_event_t>(event).window;
+    case XCB_GE_GENERIC:
+        return as<xcb_input_touch_begin_event_t>(event).event;
+    default:
+        return XCB_NONE;
+    }
+}
+
+}
+
+X11Connection* X11Connection::shared()
+{
+    static const auto connection = []() -> std::unique_ptr<X11Connection> {
+        int screenNumber = 0;
+        X11ConnectionHandle handle(xcb_connect(nullptr, &screenNumber));
+        if (xcb_connection_has_error(handle.get()))
+            return nullptr;
+        return std::make_unique<X11Connection>(std::move(handle), screenNumber);
+    }();
+    return connection.get();
+}
+
+X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
+    : m_connection(std::move(connection))
+    , m_notifier(xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read)
+{
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(m_connection.get()));
+    while (screenNumber-- > 0 && screens.rem > 1)
+        xcb_screen_next(&screens);
+    m_screen = screens.data;
+
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &events);
+
+    connect(&m_notifier, &QSocketNotifier::activated, this, &X11Connection::processEvents);
+    // Waiting for a reply may read events into xcb's own queue, where no descriptor tells of them.
+    connect(QAbstractEventDispatcher::instance(),
+        &QAbstractEventDispatcher::aboutToBlock,
+        this,
+        &X11Connection::processEvents);
+}
+
+xcb_atom_t X11Connection::atom(const std::string& name)
+{
+    const auto [entry, isNew] = m_atoms.try_emplace(name, XCB_ATOM_NONE);
+    if (isNew) {
+        const auto cookie
+            = xcb_intern_atom(get(), 0, static_cast<std::uint16_t>(name.size()), name.c_str());
+        if (const auto reply = own(xcb_intern_atom_reply(get(), cookie, nullptr)))
+            entry->second = reply->atom;
+    }
+    return entry->second;
+}
+
+std::vector<std::uint32_t> X11Connection::property(
+    xcb_window_t window, const std::string& name, xcb_atom_t type)
+{
+    constexpr std::uint32_t longestInWords = 4096;
+    const auto cookie = xcb_get_property(get(), 0, window, atom(name), type, 0, longestInWords);
+    const auto reply = own(xcb_get_property_reply(get(), cookie, nullptr));
+    if (!reply || reply->type != type || reply->format != 32)
+        return {};
+    const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return { values, values + reply->value_len };
+}
+
+Disposable X11Connection::watch(xcb_window_t window, EventHandler handler)
+{
+    m_handlers[window] = std::move(handler);
+    return Disposable([this, window] { m_handlers.erase(window); });
+}
+
+void X11Connection::synchronize()
+{
+    own(xcb_get_input_focus_reply(get(), xcb_get_input_focus(get()), nullptr));
+}
+
+void X11Connection::processEvents()
+{
+    while (const auto event = own(xcb_poll_for_event(get())))
+        deliver(*event);
+    xcb_flush(get());
+    if (xcb_connection_has_error(get()))
+        m_notifier.setEnabled(false); // or it would report the closed socket for ever
+}
+
+void X11Connection::deliver(const xcb_generic_event_t& event)
+{
+    if (kind(event) == XCB_PROPERTY_NOTIFY) {
+        const auto& change = as<xcb_property_notify_event_t>(event);
+        if (change.window == root())
+            Q_EMIT rootPropertyChanged(change.atom);
+        return;
+    }
+    const auto entry = m_handlers.find(windowOf(event));
+    if (entry == m_handlers.end())
+        return;
+    const auto handler = entry->second; // a copy: the handler may end its own watch
+    handler(event);
+}
