@@ -1,0 +1,44 @@
+#pragma once
+
+#include "identity/AppInfo.h"
+#include "library/Database.h"
+#include "service/VideoDetail.h"
+
+#include <optional>
+#include <vector>
+
+/// Read access to the shared library of imported videos, the table `LocalVideos` of the file
+/// `Fendix.db`, whose schema is its importing companion's. Main thread only.
+///
+/// Nothing here fails towards the caller: what cannot be read is not there. The lines on standard
+/// output (the path, "db open failure", "delete SIGN true") are for whoever looks for the reason.
+class LocalVideoDBManager {
+public:
+    static LocalVideoDBManager& shared();
+
+    /// Opens the database that `makeDatabase` finds.
+    explicit LocalVideoDBManager(const AppInfo& appInfo);
+
+    /// The database at its place in the group container, not opened yet. The first time it is
+    /// copied there from the bundle.
+    static Database makeDatabase(const AppInfo& appInfo, const Bundle& bundle);
+
+    /// Every row, in the table's order.
+    std::vector<VideoDetail> allVideos();
+
+    /// The first row of that sign.
+    std::optional<VideoDetail> video(const QString& sign);
+
+    /// How far the last of the two queries above got. A library that cannot be read just now has
+    /// not lost its rows.
+    enum class Reading { Complete, Busy, Failed };
+    Reading lastReading() const { return m_lastReading; }
+
+    void deleteVideo(const QString& sign);
+
+private:
+    std::vector<VideoDetail> videos(const QString& sql, const QStringList& arguments);
+
+    Database m_db;
+    Reading m_lastReading = Reading::Failed;
+};
