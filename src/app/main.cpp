@@ -1,0 +1,9 @@
+#include "app/AppDelegate.h"
+
+int main(int argc, char** argv)
+{
+    // Static, so that it is destroyed after the shared components, which come into being later.
+    static Application application(argc, argv);
+    const AppDelegate delegate(application);
+    return application.run();
+}
