@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+#include <functional>
+#include <optional>
+#include <variant>
+
+/// What a video file says about itself (FFmpeg's libavformat reads it).
+struct VideoFacts {
+    QString sign; ///< derived from the content: 24 hexadecimal digits
+    QString title; ///< the file's own, else its name without the extension
+    qint64 seconds = 0; ///< rounded to the nearest, at least 1
+    qint64 bytes = 0;
+    qint64 width = 0; ///< pixels
+    qint64 height = 0; ///< pixels
+    qint64 framesPerSecond = 0; ///< rounded; 0 where unknown
+    qint64 bitsPerSecond = 0;
+    bool hasSound = false;
+
+    QString ratio() const; ///< "16:9"
+};
+
+/// Why a file is not a video that could be played, for people.
+struct ProbeFailure {
+    QString reason;
+};
+
+/// Reads the whole file once, for its sign. `progress` is told how many bytes came since it was
+/// told last.
+std::variant<VideoFacts, ProbeFailure> probeVideo(
+    const QString& path, const std::function<void(qint64 bytes)>& progress = {});
