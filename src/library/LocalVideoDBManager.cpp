@@ -83,12 +83,12 @@ struct Columns {
 
 LocalVideoDBManager& LocalVideoDBManager::shared()
 {
-    static LocalVideoDBManager manager(AppInfo::shared());
+    static LocalVideoDBManager manager(AppInfo::shared(), Bundle::main());
     return manager;
 }
 
-LocalVideoDBManager::LocalVideoDBManager(const AppInfo& appInfo)
-    : m_db(makeDatabase(appInfo, Bundle::main()))
+LocalVideoDBManager::LocalVideoDBManager(const AppInfo& appInfo, const Bundle& bundle)
+    : m_db(makeDatabase(appInfo, bundle))
 {
     printLine(m_db.databasePath());
     if (!m_db.open())

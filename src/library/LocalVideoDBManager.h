@@ -17,7 +17,7 @@ public:
     static LocalVideoDBManager& shared();
 
     /// Opens the database that `makeDatabase` finds.
-    explicit LocalVideoDBManager(const AppInfo& appInfo);
+    LocalVideoDBManager(const AppInfo& appInfo, const Bundle& bundle);
 
     /// The database at its place in the group container, not opened yet. The first time it is
     /// copied there from the bundle.

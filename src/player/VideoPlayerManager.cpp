@@ -61,7 +61,10 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
         QStringLiteral("UpdateVideoList"), [this] { reloadVideoList(); }));
     observePreferences();
     m_notificationObservers.push_back(center.addObserver(
-        PlayerItem::didPlayToEndTimeNotification(), [this] { playerItemDidReachEnd(); }));
+        PlayerItem::didPlayToEndTimeNotification(), [this] {
+            m_failuresInARow = 0;
+            playerItemDidReachEnd();
+        }));
 }
 
 VideoPlayerManager::~VideoPlayerManager() = default;

@@ -101,8 +101,6 @@ void VideoPlayerManager::observeStatus()
 
 void VideoPlayerManager::statusDidChange(PlayerItem::Status status)
 {
-    if (status == PlayerItem::Status::ReadyToPlay)
-        m_failuresInARow = 0;
     if (status != PlayerItem::Status::Failed)
         return;
     // A failed video is skipped like one that has ended, but when all of them have failed, going

@@ -1,13 +1,18 @@
 #include "platform/PreferencesSuite.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <utility>
 
 class PreferencesSuite::Body {
 public:
@@ -39,7 +44,28 @@ public:
         settings.setValue(key, QString::fromLatin1(buffer.data(), end - buffer.data()));
     }
 
+    /// QSettings takes a file of the same size and the same time of change for the same file. Two
+    /// processes that replace it within one tick of the file system's clock, a few milliseconds,
+    /// would then miss each other's value or undo it. A replaced file is another inode; its time
+    /// is moved on a little, so that QSettings looks.
+    void markReplacedFile()
+    {
+        const auto path = QFile::encodeName(settings.fileName());
+        struct stat status { };
+        if (stat(path.constData(), &status) != 0)
+            return;
+        if (std::exchange(inode, status.st_ino) == status.st_ino)
+            return;
+        const QDateTime changed = QFileInfo(settings.fileName()).lastModified();
+        const auto moved = std::max(QDateTime::currentDateTime(), changed.addMSecs(1));
+        const auto milliseconds = moved.toMSecsSinceEpoch();
+        const std::array times { timespec { 0, UTIME_OMIT },
+            timespec { milliseconds / 1000, milliseconds % 1000 * 1'000'000 } };
+        utimensat(AT_FDCWD, path.constData(), times.data(), 0);
+    }
+
     QSettings settings;
+    ino_t inode = 0; // of the file as it was before the last synchronisation
     bool hasReported = false;
 };
 
@@ -118,6 +144,7 @@ void PreferencesSuite::setString(const QString& key, const std::optional<QString
 void PreferencesSuite::synchronize()
 {
     auto& settings = m_body->settings;
+    m_body->markReplacedFile();
     settings.sync();
 
     // The status never returns to "no error", so this line comes once.

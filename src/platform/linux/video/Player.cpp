@@ -167,6 +167,7 @@ void Player::Body::replaceCurrentItem(std::unique_ptr<PlayerItem> item)
 
 void Player::Body::load()
 {
+    m_picturesBefore = m_renderThread.pictureCount();
     const auto path = m_item->url().toLocalFile();
     // libmpv would play the files of a folder and wait for ever on a pipe.
     if (!QFileInfo(path).isFile()) {
@@ -183,8 +184,10 @@ void Player::Body::load()
 
 void Player::Body::seekToZero()
 {
-    if (m_isLoaded)
-        Mpv::command(m_core.get(), { "seek", "0", "absolute+keyframes" });
+    if (!m_isLoaded)
+        return;
+    m_picturesBefore = m_renderThread.pictureCount();
+    Mpv::command(m_core.get(), { "seek", "0", "absolute+keyframes" });
 }
 
 void Player::Body::processEvents()
@@ -234,9 +237,7 @@ void Player::Body::handle(const mpv_event& event)
             break;
         if (isList)
             Mpv::command(m_core.get(), { "stop" });
-        m_isLoaded = false;
-        m_entry.reset();
-        Q_EMIT itemFailed();
+        fail();
         break;
     }
     case MPV_EVENT_IDLE:
@@ -266,6 +267,19 @@ void Player::Body::setIsAtEnd(bool isAtEnd)
     const bool hasReachedEnd = isAtEnd && !m_isAtEnd;
     m_isAtEnd = isAtEnd;
     // Before the item is loaded the word is about the one before it.
-    if (hasReachedEnd && m_isLoaded)
+    if (!hasReachedEnd || !m_isLoaded)
+        return;
+    // A file whose end has been cut off right after its head is over without a picture; playing
+    // it again and again would keep the machine busy with nothing.
+    if (m_renderThread.pictureCount() == m_picturesBefore)
+        fail();
+    else
         NotificationCenter::defaultCenter().post(PlayerItem::didPlayToEndTimeNotification());
+}
+
+void Player::Body::fail()
+{
+    m_isLoaded = false;
+    m_entry.reset();
+    Q_EMIT itemFailed();
 }

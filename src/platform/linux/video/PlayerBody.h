@@ -39,6 +39,7 @@ private:
     void handle(const mpv_event& event);
     void handleLoadAnswer(const mpv_event& event);
     void setIsAtEnd(bool isAtEnd);
+    void fail();
 
     MpvHandle m_core;
     RenderThread m_renderThread; // after the core, so that it goes first
@@ -49,6 +50,7 @@ private:
     std::optional<qint64> m_entry; // libmpv's number of the item that is loaded
     bool m_isLoaded = false;
     bool m_isAtEnd = false;
+    std::uint64_t m_picturesBefore = 0; // as counted when the item was started or restarted
 
     float m_volume = 1;
     bool m_isMuted = false;

@@ -133,6 +133,7 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
             isStale = true;
         }
         if (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME) {
+            ++m_pictureCount;
             if (!presenter.hasSurfaces())
                 skipPicture(context);
             content = Content::Picture;

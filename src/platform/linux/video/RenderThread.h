@@ -4,6 +4,8 @@
 
 #include <mpv/client.h>
 
+#include <atomic>
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
@@ -33,6 +35,9 @@ public:
     /// Shows black until the next picture comes.
     void clear();
 
+    /// How many pictures the core has given so far, whether or not anybody saw them.
+    std::uint64_t pictureCount() const { return m_pictureCount; }
+
 private:
     /// What the thread has been told and has not done yet.
     struct Orders {
@@ -49,6 +54,7 @@ private:
     void order(const std::function<void(Orders&)>& change);
 
     int m_wakeDescriptor;
+    std::atomic<std::uint64_t> m_pictureCount = 0;
     std::mutex m_mutex; // guards the two below
     Orders m_orders;
     std::map<const void*, Surface> m_surfaces;
