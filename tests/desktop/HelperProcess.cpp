@@ -1,0 +1,88 @@
+#include "desktop/HelperProcess.h"
+
+#include "support/TestVideos.h"
+#include "support/VideoRows.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QRegularExpression>
+#include <QTest>
+#include <QUrl>
+
+HelperProcess::HelperProcess(VirtualDesktop& desktop)
+    : m_desktop(desktop)
+{
+    VideoRows::createTable(m_home.databaseFile());
+}
+
+HelperProcess::~HelperProcess()
+{
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.terminate();
+        if (!m_process.waitForFinished(5000))
+            QTest::qFail("The helper does not end.", __FILE__, __LINE__);
+    }
+    // A machine without a sound card has sound libraries that say so.
+    static const QRegularExpression soundLines(
+        QStringLiteral("^(ALSA lib|\\[[A-Z]\\]\\[.*\\] pw\\.).*\n?"), QRegularExpression::MultilineOption);
+    const auto errors = QString::fromUtf8(m_process.readAllStandardError()).remove(soundLines);
+    if (!errors.isEmpty())
+        QTest::qFail(qUtf8Printable(errors), __FILE__, __LINE__);
+}
+
+QString HelperProcess::videoFile(const QString& sign) const
+{
+    return m_home.path() + u'/' + sign + QStringLiteral(".mp4");
+}
+
+void HelperProcess::addVideo(const QString& sign, const QString& colour, double seconds)
+{
+    TestVideos::makePlain(videoFile(sign), colour, seconds);
+    addRow(sign, videoFile(sign));
+}
+
+void HelperProcess::addRow(const QString& sign, const QString& file)
+{
+    VideoRows::insert(m_home.databaseFile(),
+        { VideoRows::row(sign, QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded)) });
+}
+
+QString HelperProcess::program()
+{
+    return QStringLiteral(TAVELORHELPER);
+}
+
+void HelperProcess::start()
+{
+    auto environment = m_desktop.environment();
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home.path());
+    m_process.setProcessEnvironment(environment);
+    m_process.start(program(), {});
+    if (!m_process.waitForStarted())
+        qFatal("The helper does not start.");
+}
+
+bool HelperProcess::waitForEnd(int milliseconds)
+{
+    return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(milliseconds);
+}
+
+QStringList HelperProcess::lines()
+{
+    m_output += m_process.readAllStandardOutput();
+    return QString::fromUtf8(m_output).split(u'\n', Qt::SkipEmptyParts);
+}
+
+void HelperProcess::announceLibrary() const
+{
+    const auto name = QStringLiteral("announcer");
+    auto bus = QDBusConnection::connectToBus(m_desktop.busAddress(), name);
+    auto signal = QDBusMessage::createSignal(QStringLiteral("/com/zemra/tavelor"),
+        QStringLiteral("com.zemra.tavelor.DistributedNotification"), QStringLiteral("Posted"));
+    signal << QStringLiteral("UpdateVideoList") << QString() << QVariantMap();
+    bus.send(signal);
+    // The answer to a call comes after the signal has left.
+    bus.call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
+    QDBusConnection::disconnectFromBus(name);
+}

@@ -1,0 +1,217 @@
+#include "desktop/VirtualDesktop.h"
+
+#include <QColor>
+#include <QTest>
+
+#include <xcb/xtest.h>
+
+#include <array>
+#include <cstdlib>
+
+namespace {
+
+/// What xcb allocates with malloc.
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <typename Reply> std::unique_ptr<Reply, Free> own(Reply* reply)
+{
+    return std::unique_ptr<Reply, Free>(reply);
+}
+
+void stop(QProcess& process)
+{
+    process.terminate();
+    if (!process.waitForFinished(5000)) {
+        process.kill();
+        process.waitForFinished();
+    }
+}
+
+QByteArray firstLine(QProcess& process, const char* what)
+{
+    QByteArray line;
+    while (!line.endsWith('\n')) {
+        if (!process.waitForReadyRead(20'000))
+            qFatal("%s does not start: %s", what, process.readAllStandardError().constData());
+        line += process.readLine();
+    }
+    return line.trimmed();
+}
+
+}
+
+VirtualDesktop::VirtualDesktop()
+{
+    // The server takes a free display by itself and writes its number to its standard output.
+    m_server.start(QStringLiteral("Xvfb"),
+        { QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
+            QStringLiteral("0"), QStringLiteral("%1x%2x24").arg(width).arg(height),
+            QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-noreset") });
+    m_display = u':' + QString::fromLatin1(firstLine(m_server, "Xvfb"));
+    m_connection.reset(xcb_connect(m_display.toLatin1().constData(), nullptr));
+
+    m_bus.start(QStringLiteral("dbus-daemon"),
+        { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1") });
+    m_busAddress = QString::fromLatin1(firstLine(m_bus, "dbus-daemon"));
+}
+
+VirtualDesktop::~VirtualDesktop()
+{
+    m_connection.reset();
+    if (m_windowManager.state() != QProcess::NotRunning)
+        stop(m_windowManager);
+    stop(m_server);
+    if (m_bus.state() != QProcess::NotRunning)
+        stop(m_bus);
+}
+
+QProcessEnvironment VirtualDesktop::environment() const
+{
+    auto environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+    environment.insert(QStringLiteral("DISPLAY"), m_display);
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_busAddress);
+    return environment;
+}
+
+xcb_window_t VirtualDesktop::root() const
+{
+    return xcb_setup_roots_iterator(xcb_get_setup(connection())).data->root;
+}
+
+xcb_atom_t VirtualDesktop::atom(const char* name) const
+{
+    const auto cookie
+        = xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(qstrlen(name)), name);
+    return own(xcb_intern_atom_reply(connection(), cookie, nullptr))->atom;
+}
+
+bool VirtualDesktop::hasWindowManager() const
+{
+    // The last thing that openbox publishes when it starts.
+    const auto cookie = xcb_get_property(
+        connection(), 0, root(), atom("_NET_SUPPORTED"), XCB_ATOM_ATOM, 0, 1);
+    return own(xcb_get_property_reply(connection(), cookie, nullptr))->value_len > 0;
+}
+
+void VirtualDesktop::startWindowManager()
+{
+    xcb_delete_property(connection(), root(), atom("_NET_SUPPORTED"));
+    m_windowManager.setProcessEnvironment(environment());
+    m_windowManager.start(QStringLiteral("openbox"), {});
+    if (!QTest::qWaitFor([this] { return hasWindowManager(); }, 20'000))
+        qFatal("openbox does not start.");
+}
+
+void VirtualDesktop::killWindowManager()
+{
+    m_windowManager.kill();
+    m_windowManager.waitForFinished();
+}
+
+void VirtualDesktop::stopBus()
+{
+    stop(m_bus);
+}
+
+void VirtualDesktop::setMonitors(Monitors monitors)
+{
+    const auto run = [this](const QString& command) {
+        QProcess xrandr;
+        xrandr.setProcessEnvironment(environment());
+        xrandr.setStandardOutputFile(QProcess::nullDevice());
+        xrandr.startCommand(QStringLiteral("xrandr ") + command);
+        xrandr.waitForFinished();
+    };
+    // The first monitor owns the server's one output; the others have none.
+    const auto half = QStringLiteral("640/170x720/190+");
+    if (monitors == Monitors::One) {
+        run(QStringLiteral("--delmonitor RIGHT"));
+        run(QStringLiteral("--delmonitor LEFT"));
+        return;
+    }
+    if (monitors == Monitors::LeftHalf)
+        run(QStringLiteral("--delmonitor RIGHT"));
+    run(QStringLiteral("--setmonitor LEFT ") + half + QStringLiteral("0+0 screen"));
+    if (monitors == Monitors::TwoHalves)
+        run(QStringLiteral("--setmonitor RIGHT ") + half + QStringLiteral("640+0 none"));
+}
+
+QString VirtualDesktop::colour(const QPoint& point) const
+{
+    const auto cookie = xcb_get_image(connection(),
+        XCB_IMAGE_FORMAT_Z_PIXMAP,
+        root(),
+        static_cast<std::int16_t>(point.x()),
+        static_cast<std::int16_t>(point.y()),
+        1,
+        1,
+        ~0U);
+    const auto image = own(xcb_get_image_reply(connection(), cookie, nullptr));
+    if (!image)
+        return {};
+    const auto* bytes = xcb_get_image_data(image.get());
+    const QColor seen { bytes[2], bytes[1], bytes[0] };
+    for (const auto* name : { "red", "lime", "blue", "yellow", "magenta", "cyan", "white", "black" }) {
+        const QColor pure { QLatin1String(name) };
+        constexpr int tolerance = 40; // what YUV and its standards make of a pure colour
+        if (std::abs(seen.red() - pure.red()) <= tolerance
+            && std::abs(seen.green() - pure.green()) <= tolerance
+            && std::abs(seen.blue() - pure.blue()) <= tolerance)
+            return QLatin1String(name);
+    }
+    return seen.name();
+}
+
+void VirtualDesktop::moveAndClick(const QPoint& point, std::uint8_t button) const
+{
+    const auto fake = [this](std::uint8_t type, std::uint8_t detail, const QPoint& at) {
+        xcb_test_fake_input(connection(), type, detail, XCB_CURRENT_TIME, root(),
+            static_cast<std::int16_t>(at.x()), static_cast<std::int16_t>(at.y()), 0);
+    };
+    fake(XCB_MOTION_NOTIFY, 0, point);
+    fake(XCB_BUTTON_PRESS, button, {});
+    fake(XCB_BUTTON_RELEASE, button, {});
+    xcb_flush(connection());
+}
+
+xcb_window_t VirtualDesktop::openWindow(WindowKind kind, const QColor& colour) const
+{
+    const auto window = xcb_generate_id(connection());
+    const std::uint32_t background = colour.rgb() & 0xffffff;
+    xcb_create_window(connection(), XCB_COPY_FROM_PARENT, window, root(), 100, 100, 300, 300, 0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL, &background);
+    const auto type = atom(kind == WindowKind::Desktop ? "_NET_WM_WINDOW_TYPE_DESKTOP"
+                                                       : "_NET_WM_WINDOW_TYPE_NORMAL");
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_WINDOW_TYPE"),
+        XCB_ATOM_ATOM, 32, 1, &type);
+    // "The user wants it here": window managers place the others as they like.
+    const std::array<std::uint32_t, 18> hints { 1 };
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,
+        XCB_ATOM_WM_SIZE_HINTS, 32, hints.size(), hints.data());
+    xcb_map_window(connection(), window);
+    xcb_flush(connection());
+    return window;
+}
+
+void VirtualDesktop::closeWindow(xcb_window_t window) const
+{
+    xcb_destroy_window(connection(), window);
+    xcb_flush(connection());
+}
+
+void VirtualDesktop::requestDesktop(std::uint32_t number) const
+{
+    xcb_client_message_event_t message {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = root();
+    message.type = atom("_NET_CURRENT_DESKTOP");
+    message.data.data32[0] = number;
+    xcb_send_event(connection(), 0, root(),
+        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+        reinterpret_cast<const char*>(&message));
+    xcb_flush(connection());
+}

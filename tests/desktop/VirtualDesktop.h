@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QColor>
+#include <QPoint>
+#include <QProcess>
+#include <QString>
+
+#include <xcb/xcb.h>
+
+#include <memory>
+
+/// An X server without a screen, 1280 by 720, and a session bus of its own. What it shows is read
+/// from the root window, as a person would see it.
+class VirtualDesktop {
+public:
+    static constexpr int width = 1280;
+    static constexpr int height = 720;
+
+    VirtualDesktop();
+    ~VirtualDesktop();
+    VirtualDesktop(const VirtualDesktop&) = delete;
+    VirtualDesktop& operator=(const VirtualDesktop&) = delete;
+
+    /// For processes that shall run on this desktop.
+    QProcessEnvironment environment() const;
+    QString busAddress() const { return m_busAddress; }
+    xcb_connection_t* connection() const { return m_connection.get(); }
+    xcb_window_t root() const;
+
+    /// Returns when it manages windows.
+    void startWindowManager();
+    /// Kills it, so that it cannot tidy up.
+    void killWindowManager();
+
+    void stopBus();
+
+    /// The whole screen as one monitor; a left one only, or a left and a right one.
+    enum class Monitors { One, LeftHalf, TwoHalves };
+    void setMonitors(Monitors monitors);
+
+    /// "red" for anything near pure red, and so on; "#rrggbb" for what is no such colour.
+    QString colour(const QPoint& point) const;
+    QString leftColour() const { return colour({ 200, 200 }); }
+    QString rightColour() const { return colour({ width - 200, 200 }); }
+
+    void moveAndClick(const QPoint& point, std::uint8_t button = 1) const;
+
+    /// A window of another program, of one colour, at the left; of type desktop or an ordinary one.
+    enum class WindowKind { Ordinary, Desktop };
+    xcb_window_t openWindow(WindowKind kind, const QColor& colour) const;
+    void closeWindow(xcb_window_t window) const;
+    /// As pagers do.
+    void requestDesktop(std::uint32_t number) const;
+
+private:
+    struct Disconnect {
+        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+    };
+    bool hasWindowManager() const;
+    xcb_atom_t atom(const char* name) const;
+
+    QProcess m_server;
+    QProcess m_bus;
+    QProcess m_windowManager;
+    QString m_display;
+    QString m_busAddress;
+    std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+};

@@ -1,0 +1,115 @@
+#include "player/VideoInfoList.h"
+
+#include "support/VideoRows.h"
+
+#include <QTest>
+
+#include <algorithm>
+#include <map>
+
+namespace {
+
+VideoDetail video(const QString& sign)
+{
+    return VideoRows::row(sign, QStringLiteral("file:///%1.mp4").arg(sign));
+}
+
+std::vector<VideoDetail> videos(const QString& signs)
+{
+    std::vector<VideoDetail> videos;
+    for (const auto sign : signs)
+        videos.push_back(video(sign));
+    return videos;
+}
+
+QString signs(const std::vector<VideoDetail>& videos)
+{
+    QString signs;
+    for (const auto& video : videos)
+        signs += video.sign;
+    return signs;
+}
+
+}
+
+class VideoInfoListTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cursor_walksTheChainAndWraps()
+    {
+        VideoInfoList list;
+        for (auto& row : videos(QStringLiteral("abc")))
+            list.append(row);
+        QCOMPARE(list.current(), list.head());
+        QVERIFY(!list.tail()->next);
+
+        QString walked;
+        for (int i = 0; i < 5; ++i) {
+            walked += list.current()->val.sign;
+            list.advance();
+        }
+        QCOMPARE(walked, QStringLiteral("abcab"));
+    }
+
+    void emptyList_hasNoNodes()
+    {
+        VideoInfoList list;
+        list.append(video(QStringLiteral("a")));
+        list.clear();
+        list.advance();
+        list.moveToSign(QStringLiteral("a"));
+
+        QVERIFY(!list.head() && !list.tail() && !list.current());
+        QCOMPARE(list.count(), std::size_t { 0 });
+    }
+
+    void moveToSign_findsTheFirstMatchOrStays()
+    {
+        VideoInfoList list;
+        for (auto& row : videos(QStringLiteral("abcb")))
+            list.append(row);
+
+        list.moveToSign(QStringLiteral("b"));
+        QCOMPARE(list.current(), list.head()->next.get());
+        list.moveToSign(QStringLiteral("B"));
+        list.moveToSign(std::nullopt);
+        QCOMPARE(list.current(), list.head()->next.get());
+    }
+
+    void longList_isReleasedWithoutRecursion()
+    {
+        const auto row = video(QStringLiteral("a"));
+        VideoInfoList list;
+        for (int i = 0; i < 1'000'000; ++i)
+            list.append(row);
+
+        list.clear(); // a million nested releases would end the process
+        QVERIFY(!list.head());
+    }
+
+    void reordering_keepsEveryRowOnce()
+    {
+        QVERIFY(randomlyReordered({}).empty());
+        auto reordered = signs(randomlyReordered(videos(QStringLiteral("abcdefgh"))));
+        std::ranges::sort(reordered);
+        QCOMPARE(reordered, QStringLiteral("abcdefgh"));
+    }
+
+    void reordering_givesEveryPermutationAboutAsOften()
+    {
+        const auto rows = videos(QStringLiteral("abc"));
+        constexpr int draws = 6000;
+        std::map<QString, int> counts;
+        for (int i = 0; i < draws; ++i)
+            ++counts[signs(randomlyReordered(rows))];
+
+        QCOMPARE(counts.size(), std::size_t { 6 });
+        // 1000 each are expected; six standard deviations are 173.
+        for (const auto& [permutation, count] : counts)
+            QVERIFY2(count > 820 && count < 1180, qUtf8Printable(permutation));
+    }
+};
+
+QTEST_GUILESS_MAIN(VideoInfoListTest)
+#include "VideoInfoListTest.moc"

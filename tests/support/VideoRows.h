@@ -1,0 +1,25 @@
+#pragma once
+
+#include "service/VideoDetail.h"
+
+#include <QString>
+
+#include <vector>
+
+/// The library's file as the importing companion writes it, and rows for it. The schema here is
+/// the tests' own, so that they do not follow ours into an error.
+namespace VideoRows {
+
+/// Makes the file, with an empty table that has all columns.
+void createTable(const QString& databaseFile);
+
+VideoDetail row(const QString& sign, const QString& url);
+void insert(const QString& databaseFile, const std::vector<VideoDetail>& rows);
+
+/// Runs any SQL; the test ends when it fails.
+void execute(const QString& databaseFile, const QString& sql);
+
+/// The signs in the file, in the table's order.
+QStringList signs(const QString& databaseFile);
+
+}
