@@ -2,6 +2,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <array>
 #include <future>
 #include <poll.h>
@@ -46,6 +47,7 @@ void skipPicture(mpv_render_context& context)
 
 RenderThread::RenderThread(mpv_handle* core, PresenterFactory makePresenter)
     : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , m_coreStart(Clock::now() - std::chrono::microseconds(mpv_get_time_us(core)))
 {
     std::promise<void> started;
     auto isStarted = started.get_future();
@@ -116,9 +118,10 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
 {
     // Before there is anything, the windows keep showing what was on the screen before them.
     enum class Content { Nothing, Picture, Black } content = Content::Nothing;
-    bool isStale = false; // the windows show something else than `content`
+    bool isStale = false; // the canvases hold something else than `content`
+    Due due; // when the windows get what the canvases hold; none when they have it
     for (;;) {
-        waitForWork(presenter);
+        waitForWork(presenter, due);
         presenter.dispatch();
         const auto [orders, surfaces] = takeOrders();
         if (orders.quit)
@@ -127,39 +130,64 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
         if (orders.surfacesChanged) {
             presenter.setSurfaces(surfaces);
             isStale = content != Content::Nothing;
+            due.reset();
         }
         if (orders.clear) {
             content = Content::Black;
             isStale = true;
+            due.reset();
         }
-        if (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME) {
+        const bool isDue = due && Clock::now() >= *due;
+        const bool isShownAgain = orders.presentAgain && !isStale && content != Content::Nothing;
+        if (isDue || isShownAgain) {
+            presenter.present();
+            due.reset();
+        }
+
+        // The core gives a picture ahead of its time. The one before it comes first.
+        Due time = Clock::now();
+        if (!due && (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME)
+            && (!presenter.hasSurfaces() || presenter.isReady())) {
             ++m_pictureCount;
+            time = timeOfNextPicture(context);
             if (!presenter.hasSurfaces())
                 skipPicture(context);
             content = Content::Picture;
             isStale = true;
         }
-
         if (isStale && presenter.hasSurfaces() && presenter.isReady()) {
             if (content == Content::Picture)
                 presenter.draw(context);
             else
                 presenter.clear();
-            presenter.present();
             isStale = false;
-        } else if (orders.presentAgain && !isStale && content != Content::Nothing) {
-            presenter.present();
+            due = time;
         }
     }
 }
 
-void RenderThread::waitForWork(const FramePresenter& presenter) const
+RenderThread::Due RenderThread::timeOfNextPicture(mpv_render_context& context) const
+{
+    mpv_render_frame_info information {};
+    mpv_render_context_get_info(&context, { MPV_RENDER_PARAM_NEXT_FRAME_INFO, &information });
+    const auto now = Clock::now();
+    const auto target = m_coreStart + std::chrono::microseconds(information.target_time);
+    // Never long, whatever a file's time stamps say: the core waits for its picture to be taken.
+    return std::clamp(target, now, now + std::chrono::milliseconds(100));
+}
+
+void RenderThread::waitForWork(const FramePresenter& presenter, const Due& due) const
 {
     std::array descriptors {
         pollfd { m_wakeDescriptor, POLLIN, 0 },
         pollfd { presenter.descriptor(), POLLIN, 0 },
     };
-    poll(descriptors.data(), descriptors.size(), -1);
+    timespec timeout {};
+    if (due) {
+        const auto left = std::max(*due - Clock::now(), Clock::duration::zero());
+        timeout.tv_nsec = std::chrono::nanoseconds(left).count();
+    }
+    ppoll(descriptors.data(), descriptors.size(), due ? &timeout : nullptr, nullptr);
     std::uint64_t count = 0;
     [[maybe_unused]] const auto taken = read(m_wakeDescriptor, &count, sizeof count);
 }

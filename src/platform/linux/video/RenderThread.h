@@ -5,11 +5,13 @@
 #include <mpv/client.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -48,12 +50,16 @@ private:
     };
 
     void loop(mpv_render_context& context, FramePresenter& presenter);
-    void waitForWork(const FramePresenter& presenter) const;
+    using Clock = std::chrono::steady_clock;
+    using Due = std::optional<Clock::time_point>;
+    void waitForWork(const FramePresenter& presenter, const Due& due) const;
+    Due timeOfNextPicture(mpv_render_context& context) const;
     std::pair<Orders, std::vector<Surface>> takeOrders();
     void wake() const;
     void order(const std::function<void(Orders&)>& change);
 
     int m_wakeDescriptor;
+    std::chrono::steady_clock::time_point m_coreStart; // the zero of the core's clock
     std::atomic<std::uint64_t> m_pictureCount = 0;
     std::mutex m_mutex; // guards the two below
     Orders m_orders;
