@@ -111,9 +111,9 @@ Database LocalVideoDBManager::makeDatabase(const AppInfo& appInfo, const Bundle&
     return Database(path);
 }
 
-std::vector<VideoDetail> LocalVideoDBManager::videos(const QString& sql, const QStringList& arguments)
+std::deque<VideoDetail> LocalVideoDBManager::videos(const QString& sql, const QStringList& arguments)
 {
-    std::vector<VideoDetail> videos;
+    std::deque<VideoDetail> videos;
     auto rows = m_db.executeQuery(sql, arguments);
     if (rows) {
         const Columns columns(*rows);
@@ -127,7 +127,7 @@ std::vector<VideoDetail> LocalVideoDBManager::videos(const QString& sql, const Q
     return videos;
 }
 
-std::vector<VideoDetail> LocalVideoDBManager::allVideos()
+std::deque<VideoDetail> LocalVideoDBManager::allVideos()
 {
     return videos(QStringLiteral("select * from LocalVideos"), {});
 }

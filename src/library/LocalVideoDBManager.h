@@ -4,8 +4,8 @@
 #include "library/Database.h"
 #include "service/VideoDetail.h"
 
+#include <deque>
 #include <optional>
-#include <vector>
 
 /// Read access to the shared library of imported videos, the table `LocalVideos` of the file
 /// `Fendix.db`, whose schema is its importing companion's. Main thread only.
@@ -23,8 +23,9 @@ public:
     /// copied there from the bundle.
     static Database makeDatabase(const AppInfo& appInfo, const Bundle& bundle);
 
-    /// Every row, in the table's order.
-    std::vector<VideoDetail> allVideos();
+    /// Every row, in the table's order. (A deque, because records are not moved but copied, and a
+    /// growing vector would copy them again and again.)
+    std::deque<VideoDetail> allVideos();
 
     /// The first row of that sign.
     std::optional<VideoDetail> video(const QString& sign);
@@ -37,7 +38,7 @@ public:
     void deleteVideo(const QString& sign);
 
 private:
-    std::vector<VideoDetail> videos(const QString& sql, const QStringList& arguments);
+    std::deque<VideoDetail> videos(const QString& sql, const QStringList& arguments);
 
     Database m_db;
     Reading m_lastReading = Reading::Failed;

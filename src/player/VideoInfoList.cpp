@@ -5,6 +5,7 @@
 #include <limits>
 #include <numeric>
 #include <utility>
+#include <vector>
 
 VideoInfoList::~VideoInfoList()
 {
@@ -51,7 +52,7 @@ void VideoInfoList::advance()
     m_current = m_current && m_current->next ? m_current->next.get() : m_head.get();
 }
 
-std::vector<VideoDetail> randomlyReordered(const std::vector<VideoDetail>& rows)
+std::deque<VideoDetail> randomlyReordered(const std::deque<VideoDetail>& rows)
 {
     if (rows.size() > std::numeric_limits<quint32>::max())
         qFatal("Too many videos to put into a random order.");
@@ -60,8 +61,7 @@ std::vector<VideoDetail> randomlyReordered(const std::vector<VideoDetail>& rows)
     // one drawn, so that a draw does not move all the others.
     std::vector<std::size_t> left(rows.size());
     std::iota(left.begin(), left.end(), std::size_t { 0 });
-    std::vector<VideoDetail> reordered;
-    reordered.reserve(rows.size());
+    std::deque<VideoDetail> reordered;
     while (!left.empty()) {
         const auto drawn = QRandomGenerator::global()->bounded(static_cast<quint32>(left.size()));
         reordered.push_back(rows[left[drawn]]);

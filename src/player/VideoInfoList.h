@@ -2,9 +2,9 @@
 
 #include "service/VideoDetail.h"
 
+#include <deque>
 #include <memory>
 #include <optional>
-#include <vector>
 
 /// One entry of the play list.
 struct VideoInfoNode {
@@ -43,4 +43,4 @@ private:
 };
 
 /// A random permutation of the rows, each as likely as any other. At most 2^32 - 1 rows.
-std::vector<VideoDetail> randomlyReordered(const std::vector<VideoDetail>& rows);
+std::deque<VideoDetail> randomlyReordered(const std::deque<VideoDetail>& rows);

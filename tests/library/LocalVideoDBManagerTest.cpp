@@ -80,7 +80,7 @@ private Q_SLOTS:
 
         const auto library = fixture.open();
 
-        QVERIFY(library->allVideos() == (std::vector { b, a }));
+        QVERIFY(library->allVideos() == (std::deque { b, a }));
         QVERIFY(library->video(QStringLiteral("a")) == a);
         QVERIFY(!library->video(QStringLiteral("unknown")));
     }

@@ -14,15 +14,15 @@ VideoDetail video(const QString& sign)
     return VideoRows::row(sign, QStringLiteral("file:///%1.mp4").arg(sign));
 }
 
-std::vector<VideoDetail> videos(const QString& signs)
+std::deque<VideoDetail> videos(const QString& signs)
 {
-    std::vector<VideoDetail> videos;
+    std::deque<VideoDetail> videos;
     for (const auto sign : signs)
         videos.push_back(video(sign));
     return videos;
 }
 
-QString signs(const std::vector<VideoDetail>& videos)
+QString signs(const std::deque<VideoDetail>& videos)
 {
     QString signs;
     for (const auto& video : videos)
