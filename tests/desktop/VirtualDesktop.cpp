@@ -41,12 +41,13 @@ QByteArray firstLine(QProcess& process, const char* what)
 
 }
 
-VirtualDesktop::VirtualDesktop()
+VirtualDesktop::VirtualDesktop(const QSize& size)
+    : m_size(size)
 {
     // The server takes a free display by itself and writes its number to its standard output.
     m_server.start(QStringLiteral("Xvfb"),
         { QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-            QStringLiteral("0"), QStringLiteral("%1x%2x24").arg(width).arg(height),
+            QStringLiteral("0"), QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()),
             QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-noreset") });
     m_display = u':' + QString::fromLatin1(firstLine(m_server, "Xvfb"));
     m_connection.reset(xcb_connect(m_display.toLatin1().constData(), nullptr));
@@ -126,7 +127,7 @@ void VirtualDesktop::setMonitors(Monitors monitors)
         xrandr.waitForFinished();
     };
     // The first monitor owns the server's one output; the others have none.
-    const auto half = QStringLiteral("640/170x720/190+");
+    const auto half = QStringLiteral("%1/250x%2/280+").arg(m_size.width() / 2).arg(m_size.height());
     if (monitors == Monitors::One) {
         run(QStringLiteral("--delmonitor RIGHT"));
         run(QStringLiteral("--delmonitor LEFT"));
@@ -136,7 +137,7 @@ void VirtualDesktop::setMonitors(Monitors monitors)
         run(QStringLiteral("--delmonitor RIGHT"));
     run(QStringLiteral("--setmonitor LEFT ") + half + QStringLiteral("0+0 screen"));
     if (monitors == Monitors::TwoHalves)
-        run(QStringLiteral("--setmonitor RIGHT ") + half + QStringLiteral("640+0 none"));
+        run(QStringLiteral("--setmonitor RIGHT ") + half + QStringLiteral("%1+0 none").arg(m_size.width() / 2));
 }
 
 QString VirtualDesktop::colour(const QPoint& point) const

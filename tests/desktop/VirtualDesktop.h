@@ -3,20 +3,18 @@
 #include <QColor>
 #include <QPoint>
 #include <QProcess>
+#include <QSize>
 #include <QString>
 
 #include <xcb/xcb.h>
 
 #include <memory>
 
-/// An X server without a screen, 1280 by 720, and a session bus of its own. What it shows is read
+/// An X server without a screen and a session bus of its own. What it shows is read
 /// from the root window, as a person would see it.
 class VirtualDesktop {
 public:
-    static constexpr int width = 1280;
-    static constexpr int height = 720;
-
-    VirtualDesktop();
+    explicit VirtualDesktop(const QSize& size = { 1280, 720 });
     ~VirtualDesktop();
     VirtualDesktop(const VirtualDesktop&) = delete;
     VirtualDesktop& operator=(const VirtualDesktop&) = delete;
@@ -41,7 +39,7 @@ public:
     /// "red" for anything near pure red, and so on; "#rrggbb" for what is no such colour.
     QString colour(const QPoint& point) const;
     QString leftColour() const { return colour({ 200, 200 }); }
-    QString rightColour() const { return colour({ width - 200, 200 }); }
+    QString rightColour() const { return colour({ m_size.width() - 200, 200 }); }
 
     void moveAndClick(const QPoint& point, std::uint8_t button = 1) const;
 
@@ -59,6 +57,7 @@ private:
     bool hasWindowManager() const;
     xcb_atom_t atom(const char* name) const;
 
+    QSize m_size;
     QProcess m_server;
     QProcess m_bus;
     QProcess m_windowManager;
