@@ -17,7 +17,7 @@ QByteArray contents(const QString& path)
 
 double childrensSeconds()
 {
-    rusage usage {};
+    rusage usage{};
     getrusage(RUSAGE_CHILDREN, &usage);
     const auto seconds = [](const timeval& time) {
         return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
@@ -25,14 +25,14 @@ double childrensSeconds()
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
-}
+} // namespace
 
 double Measurements::processorSeconds(qint64 process)
 {
     const auto status = contents(QStringLiteral("/proc/%1/stat").arg(process));
     const auto fields = status.mid(status.lastIndexOf(')')).split(' ');
-    return static_cast<double>(fields[12].toLongLong() + fields[13].toLongLong())
-        / static_cast<double>(sysconf(_SC_CLK_TCK));
+    return static_cast<double>(fields[12].toLongLong() + fields[13].toLongLong()) /
+           static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
 double Measurements::proportionalMemory(qint64 process)
@@ -58,8 +58,12 @@ double Measurements::processorSecondsOf(const QString& program, const QStringLis
 
 void Measurements::report(const QString& what, double value, double goal, const QString& unit)
 {
-    std::printf("%-58s %8.3f %-8s goal %7.3f  %s\n", qUtf8Printable(what), value,
-        qUtf8Printable(unit), goal, value <= goal ? "met" : "MISSED");
+    std::printf("%-58s %8.3f %-8s goal %7.3f  %s\n",
+        qUtf8Printable(what),
+        value,
+        qUtf8Printable(unit),
+        goal,
+        value <= goal ? "met" : "MISSED");
     std::fflush(stdout);
 }
 

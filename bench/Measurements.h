@@ -18,4 +18,4 @@ void report(const QString& what, double value, double goal, const QString& unit)
 /// A line without a goal.
 void note(const QString& what, double value, const QString& unit);
 
-}
+} // namespace Measurements

@@ -12,8 +12,7 @@ constexpr int smallestArea = 640 * 360;
 }
 
 PictureWatcher::PictureWatcher(const VirtualDesktop& desktop)
-    : m_connection(desktop.connection())
-    , m_damage(xcb_generate_id(m_connection))
+    : m_connection(desktop.connection()), m_damage(xcb_generate_id(m_connection))
 {
     const auto* extension = xcb_get_extension_data(m_connection, &xcb_damage_id);
     m_firstEvent = extension->first_event;
@@ -42,14 +41,14 @@ bool PictureWatcher::next(Picture& picture, int milliseconds)
             std::free(event);
             if (!isDamage || area.width * area.height < smallestArea)
                 continue;
-            picture = { static_cast<double>(m_clock.nsecsElapsed()) * 1e-9,
-                QRect(area.x, area.y, area.width, area.height) };
+            picture = {static_cast<double>(m_clock.nsecsElapsed()) * 1e-9,
+                QRect(area.x, area.y, area.width, area.height)};
             return true;
         }
         const auto left = milliseconds - static_cast<int>(waited.elapsed());
         if (left <= 0)
             return false;
-        pollfd descriptor { xcb_get_file_descriptor(m_connection), POLLIN, 0 };
+        pollfd descriptor{xcb_get_file_descriptor(m_connection), POLLIN, 0};
         poll(&descriptor, 1, left);
     }
 }
@@ -63,7 +62,7 @@ std::vector<PictureWatcher::Picture> PictureWatcher::watch(
     const auto total = static_cast<int>(seconds * 1000);
     for (;;) {
         const auto left = total - static_cast<int>(watched.elapsed());
-        Picture picture {};
+        Picture picture{};
         if (left <= 0 || !next(picture, left))
             return pictures;
         pictures.push_back(picture);

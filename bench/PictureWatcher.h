@@ -23,7 +23,8 @@ public:
     PictureWatcher& operator=(const PictureWatcher&) = delete;
 
     /// Everything that comes within the time and is at least as large as a monitor's quarter.
-    std::vector<Picture> watch(double seconds, const std::function<void(const Picture&)>& seen = {});
+    std::vector<Picture> watch(
+        double seconds, const std::function<void(const Picture&)>& seen = {});
 
 private:
     bool next(Picture& picture, int milliseconds);

@@ -19,7 +19,7 @@ using namespace Measurements;
 namespace {
 
 constexpr int framesPerSecond = 30;
-constexpr double watched = 10; // seconds of playing that are measured
+constexpr double watched = 10;    // seconds of playing that are measured
 constexpr double clipLength = 15; // seconds
 
 const auto playing = QStringLiteral("isPlaying");
@@ -38,15 +38,26 @@ void makeClip(const QString& path, double seconds)
                             .arg(framesPerSecond)
                             .arg(seconds);
     TestVideos::make(path,
-        { QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"), source,
-            QStringLiteral("-c:v"), QStringLiteral("libx264"), QStringLiteral("-preset"),
-            QStringLiteral("veryfast"), QStringLiteral("-b:v"), QStringLiteral("8M"),
-            QStringLiteral("-maxrate"), QStringLiteral("8M"), QStringLiteral("-bufsize"),
-            QStringLiteral("8M"), QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p") });
+        {QStringLiteral("-f"),
+            QStringLiteral("lavfi"),
+            QStringLiteral("-i"),
+            source,
+            QStringLiteral("-c:v"),
+            QStringLiteral("libx264"),
+            QStringLiteral("-preset"),
+            QStringLiteral("veryfast"),
+            QStringLiteral("-b:v"),
+            QStringLiteral("8M"),
+            QStringLiteral("-maxrate"),
+            QStringLiteral("8M"),
+            QStringLiteral("-bufsize"),
+            QStringLiteral("8M"),
+            QStringLiteral("-pix_fmt"),
+            QStringLiteral("yuv420p")});
 }
 
 struct Playing {
-    double cost; ///< processor seconds a second
+    double cost;    ///< processor seconds a second
     double dropped; ///< pictures that should have come and did not, of `watched` seconds
 };
 
@@ -64,8 +75,8 @@ Playing measurePlaying(HelperProcess& helper, PictureWatcher& watcher, int monit
     const auto process = helper.process().processId();
     const auto before = processorSeconds(process);
     const auto pictures = watcher.watch(watched);
-    return { (processorSeconds(process) - before) / watched,
-        watched * framesPerSecond - static_cast<double>(pictures.size()) / monitors };
+    return {(processorSeconds(process) - before) / watched,
+        watched * framesPerSecond - static_cast<double>(pictures.size()) / monitors};
 }
 
 double measureIdle(HelperProcess& helper)
@@ -78,7 +89,7 @@ double measureIdle(HelperProcess& helper)
 
 void benchPlaying(const QString& source, double decode)
 {
-    VirtualDesktop desktop({ 1920, 1080 });
+    VirtualDesktop desktop({1920, 1080});
     desktop.startWindowManager();
     HelperProcess helper(desktop);
     QFile::copy(source, helper.videoFile(clip));
@@ -91,14 +102,24 @@ void benchPlaying(const QString& source, double decode)
     while (desktop.leftColour() == empty && sinceStart.elapsed() < 10'000)
         QThread::msleep(1);
     report(QStringLiteral("process start to first picture"),
-        static_cast<double>(sinceStart.nsecsElapsed()) * 1e-9, 0.5, QStringLiteral("s"));
+        static_cast<double>(sinceStart.nsecsElapsed()) * 1e-9,
+        0.5,
+        QStringLiteral("s"));
     restart(helper);
     PictureWatcher watcher(desktop);
     const auto one = measurePlaying(helper, watcher, 1);
-    report(QStringLiteral("one 1080p monitor, against bare decode"), one.cost / decode, 1.35, QStringLiteral("x"));
-    report(QStringLiteral("  pictures dropped in %1 s").arg(watched), std::max(0.0, std::round(one.dropped)), 1, QString());
+    report(QStringLiteral("one 1080p monitor, against bare decode"),
+        one.cost / decode,
+        1.35,
+        QStringLiteral("x"));
+    report(QStringLiteral("  pictures dropped in %1 s").arg(watched),
+        std::max(0.0, std::round(one.dropped)),
+        1,
+        QString());
     report(QStringLiteral("memory (PSS) playing 1080p"),
-        proportionalMemory(helper.process().processId()), 140, QStringLiteral("MB"));
+        proportionalMemory(helper.process().processId()),
+        140,
+        QStringLiteral("MB"));
 
     helper.home().writeSuiteValue(playing, QStringLiteral("false"));
     report(QStringLiteral("paused"), measureIdle(helper), 0.5, QStringLiteral("% core"));
@@ -108,7 +129,7 @@ void benchPlaying(const QString& source, double decode)
 
 void benchMirrored(const QString& source, double decode)
 {
-    VirtualDesktop desktop({ 3840, 1080 });
+    VirtualDesktop desktop({3840, 1080});
     desktop.startWindowManager();
     desktop.setMonitors(VirtualDesktop::Monitors::TwoHalves);
     HelperProcess helper(desktop);
@@ -129,13 +150,18 @@ void benchMirrored(const QString& source, double decode)
     watcher.watch(0.1);
     const auto two = measurePlaying(helper, watcher, 2);
     report(QStringLiteral("a second, mirrored 1080p monitor, against bare decode"),
-        (two.cost - one.cost) / decode, 0.15, QStringLiteral("x"));
-    report(QStringLiteral("  pictures dropped in %1 s").arg(watched), std::max(0.0, std::round(two.dropped)), 1, QString());
+        (two.cost - one.cost) / decode,
+        0.15,
+        QStringLiteral("x"));
+    report(QStringLiteral("  pictures dropped in %1 s").arg(watched),
+        std::max(0.0, std::round(two.dropped)),
+        1,
+        QString());
 }
 
 void benchSeam()
 {
-    VirtualDesktop desktop({ 1920, 1080 });
+    VirtualDesktop desktop({1920, 1080});
     desktop.startWindowManager();
     HelperProcess helper(desktop);
     helper.addVideo(clip, QStringLiteral("red"), 2);
@@ -144,15 +170,16 @@ void benchSeam()
 
     PictureWatcher watcher(desktop);
     int others = 0;
-    const auto pictures = watcher.watch(watched, [&](const PictureWatcher::Picture&) {
-        others += desktop.leftColour() == u"red" ? 0 : 1;
-    });
+    const auto pictures = watcher.watch(watched,
+        [&](const PictureWatcher::Picture&) { others += desktop.leftColour() == u"red" ? 0 : 1; });
     double longest = 0;
     for (std::size_t i = 1; i < pictures.size(); ++i)
         longest = std::max(longest, pictures[i].seconds - pictures[i - 1].seconds);
     report(QStringLiteral("a repeated 2 s clip: pictures of another colour"), others, 0, QString());
     report(QStringLiteral("  latest picture, in frames too late"),
-        longest * framesPerSecond - 1, 1, QString());
+        longest * framesPerSecond - 1,
+        1,
+        QString());
 }
 
 void benchChange()
@@ -177,7 +204,10 @@ void benchChange()
             QThread::msleep(2);
         longest = std::max(longest, static_cast<double>(time.nsecsElapsed()) * 1e-9);
     }
-    report(QStringLiteral("a choice in the settings to the new picture, longest of 8"), longest, 1.5, QStringLiteral("s"));
+    report(QStringLiteral("a choice in the settings to the new picture, longest of 8"),
+        longest,
+        1.5,
+        QStringLiteral("s"));
 }
 
 void benchLibrary()
@@ -187,8 +217,7 @@ void benchLibrary()
     std::vector<VideoDetail> rows;
     constexpr int count = 100'000;
     for (int i = 0; i < count; ++i) {
-        rows.push_back(VideoRows::row(
-            QStringLiteral("%1").arg(i, 24, 16, QLatin1Char('0')),
+        rows.push_back(VideoRows::row(QStringLiteral("%1").arg(i, 24, 16, QLatin1Char('0')),
             QStringLiteral("file:///home/somebody/Videos/holidays/%1.mp4").arg(i)));
     }
     VideoRows::insert(home.databaseFile(), rows);
@@ -203,17 +232,19 @@ void benchLibrary()
     DistributedNotificationCenter distributedCenter;
     NotificationCenter center;
     VideoPlayerManager manager(preferences, library, workspace, distributedCenter, center);
-    for (const bool isRandom : { false, true }) {
+    for (const bool isRandom : {false, true}) {
         preferences.setPlayModel(isRandom ? 2 : 1);
         QElapsedTimer time;
         time.start();
         manager.reloadVideoList();
         report(QStringLiteral("100,000 rows rebuilt, %1").arg(isRandom ? u"random" : u"in order"),
-            static_cast<double>(time.nsecsElapsed()) * 1e-9, 0.5, QStringLiteral("s"));
+            static_cast<double>(time.nsecsElapsed()) * 1e-9,
+            0.5,
+            QStringLiteral("s"));
     }
 }
 
-}
+} // namespace
 
 int main(int argc, char** argv)
 {
@@ -223,15 +254,24 @@ int main(int argc, char** argv)
     makeClip(source, clipLength);
 
     const auto decode = processorSecondsOf(QStringLiteral("ffmpeg"),
-                            { QStringLiteral("-nostdin"), QStringLiteral("-i"), source,
-                                QStringLiteral("-f"), QStringLiteral("null"), QStringLiteral("-") })
-        / clipLength;
+                            {QStringLiteral("-nostdin"),
+                                QStringLiteral("-i"),
+                                source,
+                                QStringLiteral("-f"),
+                                QStringLiteral("null"),
+                                QStringLiteral("-")}) /
+                        clipLength;
     const auto mpv = processorSecondsOf(QStringLiteral("mpv"),
-                         { QStringLiteral("--no-config"), QStringLiteral("--vo=null"),
-                             QStringLiteral("--ao=null"), QStringLiteral("--hwdec=no"), source })
-        / clipLength;
+                         {QStringLiteral("--no-config"),
+                             QStringLiteral("--vo=null"),
+                             QStringLiteral("--ao=null"),
+                             QStringLiteral("--hwdec=no"),
+                             source}) /
+                     clipLength;
     note(QStringLiteral("bare decode: ffmpeg -f null, CPU s a second"), decode, QString());
-    note(QStringLiteral("bare decode in real time: mpv --vo=null, against ffmpeg"), mpv / decode, QStringLiteral("x"));
+    note(QStringLiteral("bare decode in real time: mpv --vo=null, against ffmpeg"),
+        mpv / decode,
+        QStringLiteral("x"));
 
     benchPlaying(source, decode);
     benchMirrored(source, decode);

@@ -53,11 +53,11 @@ public:
     {
         if (m_preferences)
             return *m_preferences;
-        const auto directory
-            = AppInfo::shared().directoryUrl(SearchPathDirectory::Preferences).toLocalFile();
+        const auto directory =
+            AppInfo::shared().directoryUrl(SearchPathDirectory::Preferences).toLocalFile();
         m_suite = PreferencesSuite::open(AppInfo::applicationGroupIdentifier(), directory);
         if (!m_suite)
-            throw CommandError { directory, QStringLiteral("the settings cannot be opened") };
+            throw CommandError{directory, QStringLiteral("the settings cannot be opened")};
         return m_preferences.emplace(*m_suite);
     }
 
@@ -69,7 +69,7 @@ public:
         const auto path = database.databasePath();
         m_library.emplace(std::move(database));
         if (m_library->failure())
-            throw CommandError { path, *m_library->failure() };
+            throw CommandError{path, *m_library->failure()};
         return *m_library;
     }
 
@@ -77,7 +77,7 @@ public:
     {
         auto entries = library().entries();
         if (!entries)
-            throw CommandError { QStringLiteral("library"), library().lastErrorMessage() };
+            throw CommandError{QStringLiteral("library"), library().lastErrorMessage()};
         return std::move(*entries);
     }
 
@@ -154,7 +154,7 @@ ExitStatus import(Companion& companion, const Arguments& arguments)
 {
     const auto files = videoFiles(arguments.words);
     if (files.isEmpty())
-        throw CommandError { arguments.words.join(u' '), QStringLiteral("no videos in there") };
+        throw CommandError{arguments.words.join(u' '), QStringLiteral("no videos in there")};
     qint64 total = 0;
     for (const auto& file : files)
         total += QFileInfo(file).size();
@@ -168,7 +168,7 @@ ExitStatus import(Companion& companion, const Arguments& arguments)
         hasFailed = true;
         progress.hide();
         printError(path, why);
-        results.append(QJsonObject { { "path", path }, { "outcome", "failed" }, { "error", why } });
+        results.append(QJsonObject{{"path", path}, {"outcome", "failed"}, {"error", why}});
     };
     for (const auto& file : files) {
         const auto path = QFileInfo(file).absoluteFilePath();
@@ -185,10 +185,10 @@ ExitStatus import(Companion& companion, const Arguments& arguments)
         }
         hasChanged = hasChanged || outcome != LibraryEditor::Outcome::AlreadyThere;
         progress.hide();
-        results.append(QJsonObject { { "path", path },
-            { "outcome", outcomeText(outcome) },
-            { "sign", facts.sign },
-            { "title", facts.title } });
+        results.append(QJsonObject{{"path", path},
+            {"outcome", outcomeText(outcome)},
+            {"sign", facts.sign},
+            {"title", facts.title}});
         if (!arguments.isJson) {
             print(QStringLiteral("%1  %2  %3 (%4×%5, %6)")
                       .arg(facts.sign, outcomeText(outcome), facts.title)
@@ -215,14 +215,14 @@ ExitStatus list(Companion& companion, const Arguments& arguments)
     if (arguments.isJson) {
         QJsonArray rows;
         for (const auto& entry : entries) {
-            rows.append(QJsonObject { { "sign", entry.sign },
-                { "title", entry.title },
-                { "bytes", entry.bytes },
-                { "seconds", entry.seconds },
-                { "width", entry.width },
-                { "height", entry.height },
-                { "path", pathText(entry.url) },
-                { "chosen", entry.sign == chosen } });
+            rows.append(QJsonObject{{"sign", entry.sign},
+                {"title", entry.title},
+                {"bytes", entry.bytes},
+                {"seconds", entry.seconds},
+                {"width", entry.width},
+                {"height", entry.height},
+                {"path", pathText(entry.url)},
+                {"chosen", entry.sign == chosen}});
         }
         print(QJsonDocument(rows));
         return ExitStatus::Done;
@@ -253,10 +253,10 @@ LibraryEditor::Entry entryOfPrefix(Companion& companion, const QString& prefix)
             matches.push_back(std::move(entry));
     }
     if (matches.empty())
-        throw CommandError { prefix, QStringLiteral("no video of this sign in the library") };
+        throw CommandError{prefix, QStringLiteral("no video of this sign in the library")};
     if (matches.size() > 1) {
-        throw CommandError { prefix,
-            QStringLiteral("%1 videos' signs begin like this").arg(matches.size()) };
+        throw CommandError{
+            prefix, QStringLiteral("%1 videos' signs begin like this").arg(matches.size())};
     }
     return matches.front();
 }
@@ -282,12 +282,12 @@ template <std::size_t Count>
 QString nameOf(const std::array<const char*, Count>& names, qint64 rawValue)
 {
     return rawValue >= 0 && rawValue < static_cast<qint64>(Count)
-        ? QString::fromLatin1(names[static_cast<std::size_t>(rawValue)])
-        : QString::number(rawValue);
+               ? QString::fromLatin1(names[static_cast<std::size_t>(rawValue)])
+               : QString::number(rawValue);
 }
 
-constexpr std::array orderNames { "single", "list", "random" }; // as VideoPlayerPlayModel
-constexpr std::array screenNames { "integration", "mirror", "single" }; // as VideoPlayerScreenType
+constexpr std::array orderNames{"single", "list", "random"};         // as VideoPlayerPlayModel
+constexpr std::array screenNames{"integration", "mirror", "single"}; // as VideoPlayerScreenType
 
 ExitStatus status(Companion& companion, const Arguments& arguments)
 {
@@ -299,20 +299,20 @@ ExitStatus status(Companion& companion, const Arguments& arguments)
     const bool isRunning = SessionInstance::isClaimed();
     const auto order = nameOf(orderNames, preferences.playModel());
     const auto screens = nameOf(screenNames, preferences.monitorArrange());
-    const bool isSingleScreen
-        = preferences.monitorArrange() == static_cast<qint64>(VideoPlayerScreenType::lonely);
+    const bool isSingleScreen =
+        preferences.monitorArrange() == static_cast<qint64>(VideoPlayerScreenType::lonely);
     const auto volume = std::lround(100 * preferences.volume());
 
     if (arguments.isJson) {
-        QJsonObject object { { "running", isRunning },
-            { "open", preferences.isOpenPlayer() },
-            { "playing", preferences.isPlaying() },
-            { "order", order },
-            { "screens", screens },
-            { "screen", preferences.screenIndex() + 1 },
-            { "volume", static_cast<qint64>(volume) },
-            { "muted", preferences.mute() },
-            { "videos", static_cast<qint64>(entries.size()) } };
+        QJsonObject object{{"running", isRunning},
+            {"open", preferences.isOpenPlayer()},
+            {"playing", preferences.isPlaying()},
+            {"order", order},
+            {"screens", screens},
+            {"screen", preferences.screenIndex() + 1},
+            {"volume", static_cast<qint64>(volume)},
+            {"muted", preferences.mute()},
+            {"videos", static_cast<qint64>(entries.size())}};
         if (current != entries.end()) {
             object.insert("sign", current->sign);
             object.insert("title", current->title);
@@ -322,7 +322,7 @@ ExitStatus status(Companion& companion, const Arguments& arguments)
         return ExitStatus::Done;
     }
     const auto state = !preferences.isOpenPlayer() ? u"closed"
-        : preferences.isPlaying()                  ? u"playing"
+                       : preferences.isPlaying()   ? u"playing"
                                                    : u"paused";
     print(QStringLiteral("helper     %1").arg(isRunning ? u"running" : u"not running"));
     print(QStringLiteral("wallpaper  %1").arg(state));
@@ -330,8 +330,8 @@ ExitStatus status(Companion& companion, const Arguments& arguments)
               .arg(current != entries.end() ? current->title : QStringLiteral("none chosen")));
     print(QStringLiteral("order      %1").arg(order));
     print(isSingleScreen
-            ? QStringLiteral("screens    %1 %2").arg(screens).arg(preferences.screenIndex() + 1)
-            : QStringLiteral("screens    %1").arg(screens));
+              ? QStringLiteral("screens    %1 %2").arg(screens).arg(preferences.screenIndex() + 1)
+              : QStringLiteral("screens    %1").arg(screens));
     print(QStringLiteral("volume     %1%2").arg(volume).arg(preferences.mute() ? u", muted" : u""));
     print(QStringLiteral("library    %1 videos").arg(entries.size()));
     return ExitStatus::Done;
@@ -350,11 +350,18 @@ struct Command {
 };
 
 constexpr qsizetype anyNumber = 1 << 20;
-constexpr std::array commands {
-    Command { "import", "PATH...", "add video files, or the videos in a folder", 1, anyNumber, true, import },
-    Command { "list", "", "the library; * marks the chosen video", 0, 0, true, list },
-    Command { "choose", "SIGN", "play this one; the beginning of a sign will do", 1, 1, false, choose },
-    Command { "status", "", "what the helper is set to", 0, 0, true, status },
+constexpr std::array commands{
+    Command{"import",
+        "PATH...",
+        "add video files, or the videos in a folder",
+        1,
+        anyNumber,
+        true,
+        import},
+    Command{"list", "", "the library; * marks the chosen video", 0, 0, true, list},
+    Command{
+        "choose", "SIGN", "play this one; the beginning of a sign will do", 1, 1, false, choose},
+    Command{"status", "", "what the helper is set to", 0, 0, true, status},
 };
 
 void printUsage(FILE* stream)
@@ -373,7 +380,7 @@ ExitStatus wrongUsage(const QString& what, const QString& why)
     return ExitStatus::WrongUsage;
 }
 
-}
+} // namespace
 
 ExitStatus runCommand(const QStringList& arguments)
 {

@@ -47,10 +47,9 @@ QString text(const QUrl& url)
     return url.toString(QUrl::FullyEncoded);
 }
 
-}
+} // namespace
 
-LibraryEditor::LibraryEditor(Database database)
-    : m_database(std::move(database))
+LibraryEditor::LibraryEditor(Database database) : m_database(std::move(database))
 {
     if (!m_database.open() || !m_database.executeUpdate(createTable))
         m_failure = m_database.lastErrorMessage();
@@ -71,13 +70,13 @@ std::optional<std::vector<LibraryEditor::Entry>> LibraryEditor::entries()
 
     std::vector<Entry> entries;
     while (rows->next()) {
-        entries.push_back({ rows->stringForColumn(sign),
+        entries.push_back({rows->stringForColumn(sign),
             rows->stringForColumn(title),
             QUrl(rows->stringForColumn(url)),
             rows->intForColumn(time),
             rows->stringForColumn(size).toLongLong(), // may be more than 32 bits
             rows->intForColumn(width),
-            rows->intForColumn(height) });
+            rows->intForColumn(height)});
     }
     if (rows->hasFailed())
         return std::nullopt;
@@ -87,7 +86,7 @@ std::optional<std::vector<LibraryEditor::Entry>> LibraryEditor::entries()
 LibraryEditor::Outcome LibraryEditor::add(const VideoFacts& facts, const QUrl& url)
 {
     auto known = m_database.executeQuery(
-        QStringLiteral("select url from LocalVideos where sign = ?"), { facts.sign });
+        QStringLiteral("select url from LocalVideos where sign = ?"), {facts.sign});
     if (!known)
         return Outcome::Failed;
     if (known->next()) {
@@ -97,7 +96,7 @@ LibraryEditor::Outcome LibraryEditor::add(const VideoFacts& facts, const QUrl& u
             return Outcome::AlreadyThere;
         const bool isMoved = m_database.executeUpdate(
             QStringLiteral("update LocalVideos set url = ? where sign = ?"),
-            { text(url), facts.sign });
+            {text(url), facts.sign});
         return isMoved ? Outcome::Moved : Outcome::Failed;
     }
     if (known->hasFailed())
@@ -105,7 +104,7 @@ LibraryEditor::Outcome LibraryEditor::add(const VideoFacts& facts, const QUrl& u
     known.reset();
 
     const bool isAdded = m_database.executeUpdate(insertRow,
-        { facts.sign,
+        {facts.sign,
             facts.title,
             text(url),
             QString::number(facts.seconds),
@@ -116,6 +115,6 @@ LibraryEditor::Outcome LibraryEditor::add(const VideoFacts& facts, const QUrl& u
             QString::number(facts.framesPerSecond),
             QString::number(facts.bitsPerSecond),
             QString::number(facts.hasSound ? 1 : 0),
-            QDateTime::currentDateTimeUtc().toString(Qt::ISODate) });
+            QDateTime::currentDateTimeUtc().toString(Qt::ISODate)});
     return isAdded ? Outcome::Added : Outcome::Failed;
 }

@@ -34,7 +34,7 @@ public:
     enum class Outcome {
         Added,
         AlreadyThere,
-        Moved, ///< was there by the path of a file that is gone; has the new path now
+        Moved,  ///< was there by the path of a file that is gone; has the new path now
         Failed, ///< `lastErrorMessage` says why
     };
     Outcome add(const VideoFacts& facts, const QUrl& url);

@@ -55,7 +55,7 @@ qint64 rounded(AVRational rate)
     return rate.den > 0 ? std::llround(av_q2d(rate)) : 0;
 }
 
-}
+} // namespace
 
 QString VideoFacts::ratio() const
 {
@@ -68,30 +68,31 @@ std::variant<VideoFacts, ProbeFailure> probeVideo(
 {
     const QFileInfo information(path);
     if (!information.exists())
-        return ProbeFailure { QStringLiteral("no such file") };
+        return ProbeFailure{QStringLiteral("no such file")};
     if (!information.isFile()) // a pipe would be waited for without end
-        return ProbeFailure { QStringLiteral("not a regular file") };
+        return ProbeFailure{QStringLiteral("not a regular file")};
     if (!information.isReadable())
-        return ProbeFailure { QStringLiteral("cannot be read") };
+        return ProbeFailure{QStringLiteral("cannot be read")};
 
     av_log_set_level(AV_LOG_QUIET);
     AVFormatContext* opened = nullptr;
     const auto name = QFile::encodeName(QStringLiteral("file:") + information.absoluteFilePath());
-    if (const int error = avformat_open_input(&opened, name.constData(), nullptr, nullptr); error < 0)
-        return ProbeFailure { QStringLiteral("not a video (%1)").arg(errorText(error)) };
+    if (const int error = avformat_open_input(&opened, name.constData(), nullptr, nullptr);
+        error < 0)
+        return ProbeFailure{QStringLiteral("not a video (%1)").arg(errorText(error))};
     const Format format(opened);
     if (const int error = avformat_find_stream_info(format.get(), nullptr); error < 0)
-        return ProbeFailure { QStringLiteral("not a video (%1)").arg(errorText(error)) };
+        return ProbeFailure{QStringLiteral("not a video (%1)").arg(errorText(error))};
 
     const int best = av_find_best_stream(format.get(), AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (best < 0 || (format->streams[best]->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0)
-        return ProbeFailure { QStringLiteral("has no video track") };
+        return ProbeFailure{QStringLiteral("has no video track")};
     const auto& stream = *format->streams[best];
     const auto& codec = *stream.codecpar;
     if (codec.width <= 0 || codec.height <= 0)
-        return ProbeFailure { QStringLiteral("has a video track without a picture size") };
+        return ProbeFailure{QStringLiteral("has a video track without a picture size")};
     if (!avcodec_find_decoder(codec.codec_id))
-        return ProbeFailure { QStringLiteral("is in a format that cannot be decoded here") };
+        return ProbeFailure{QStringLiteral("is in a format that cannot be decoded here")};
 
     VideoFacts facts;
     const auto* title = av_dict_get(format->metadata, "title", nullptr, 0);
@@ -105,12 +106,11 @@ std::variant<VideoFacts, ProbeFailure> probeVideo(
     facts.height = codec.height;
     facts.framesPerSecond = rounded(stream.avg_frame_rate);
     facts.bitsPerSecond = format->bit_rate;
-    facts.hasSound
-        = av_find_best_stream(format.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0) >= 0;
+    facts.hasSound = av_find_best_stream(format.get(), AVMEDIA_TYPE_AUDIO, -1, -1, nullptr, 0) >= 0;
 
     const auto sign = contentSign(path, progress);
     if (!sign)
-        return ProbeFailure { QStringLiteral("cannot be read") };
+        return ProbeFailure{QStringLiteral("cannot be read")};
     facts.sign = *sign;
     return facts;
 }

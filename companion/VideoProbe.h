@@ -9,12 +9,12 @@
 
 /// What a video file says about itself (FFmpeg's libavformat reads it).
 struct VideoFacts {
-    QString sign; ///< derived from the content: 24 hexadecimal digits
-    QString title; ///< the file's own, else its name without the extension
+    QString sign;       ///< derived from the content: 24 hexadecimal digits
+    QString title;      ///< the file's own, else its name without the extension
     qint64 seconds = 0; ///< rounded to the nearest, at least 1
     qint64 bytes = 0;
-    qint64 width = 0; ///< pixels
-    qint64 height = 0; ///< pixels
+    qint64 width = 0;           ///< pixels
+    qint64 height = 0;          ///< pixels
     qint64 framesPerSecond = 0; ///< rounded; 0 where unknown
     qint64 bitsPerSecond = 0;
     bool hasSound = false;

@@ -16,10 +16,10 @@ int main(int argc, char** argv)
     QFile::remove(database);
     const auto result = probeVideo(QFile::decodeName(argv[2]));
     const auto* facts = std::get_if<VideoFacts>(&result);
-    LibraryEditor library { Database(database) };
-    if (!facts || library.failure()
-        || library.add(*facts, QUrl::fromLocalFile(QFile::decodeName(argv[3])))
-            != LibraryEditor::Outcome::Added) {
+    LibraryEditor library{Database(database)};
+    if (!facts || library.failure() ||
+        library.add(*facts, QUrl::fromLocalFile(QFile::decodeName(argv[3]))) !=
+            LibraryEditor::Outcome::Added) {
         std::fprintf(stderr, "make_seed: cannot make %s\n", argv[1]);
         return 1;
     }

@@ -9,8 +9,8 @@ AppDelegate::AppDelegate(Application& application)
     m_messages.push_back(observe(application, &Application::didFinishLaunching, [this] {
         applicationDidFinishLaunching();
     }));
-    m_messages.push_back(observe(
-        application, &Application::willTerminate, [this] { applicationWillTerminate(); }));
+    m_messages.push_back(
+        observe(application, &Application::willTerminate, [this] { applicationWillTerminate(); }));
     m_messages.push_back(observe(application, &Application::didChangeScreenParameters, [this] {
         applicationDidChangeScreenParameters();
     }));

@@ -2,10 +2,7 @@
 
 #include <utility>
 
-Disposable::Disposable(std::function<void()> closure)
-    : m_closure(std::move(closure))
-{
-}
+Disposable::Disposable(std::function<void()> closure) : m_closure(std::move(closure)) {}
 
 Disposable::~Disposable()
 {

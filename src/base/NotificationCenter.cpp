@@ -12,10 +12,7 @@ struct NotificationCenter::Registry {
     std::vector<std::shared_ptr<Observation>> observations;
 };
 
-NotificationCenter::NotificationCenter()
-    : m_registry(std::make_shared<Registry>())
-{
-}
+NotificationCenter::NotificationCenter() : m_registry(std::make_shared<Registry>()) {}
 
 NotificationCenter::~NotificationCenter() = default;
 
@@ -27,8 +24,8 @@ NotificationCenter& NotificationCenter::defaultCenter()
 
 Disposable NotificationCenter::addObserver(const QString& name, std::function<void()> observer)
 {
-    auto observation
-        = std::make_shared<Registry::Observation>(Registry::Observation { name, std::move(observer) });
+    auto observation =
+        std::make_shared<Registry::Observation>(Registry::Observation{name, std::move(observer)});
     m_registry->observations.push_back(observation);
     return Disposable([registry = std::weak_ptr(m_registry), observation] {
         observation->observer = nullptr;

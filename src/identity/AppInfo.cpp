@@ -24,7 +24,7 @@ QString folderName(SearchPathDirectory directory)
     return {};
 }
 
-}
+} // namespace
 
 const AppInfo& AppInfo::shared()
 {
@@ -33,9 +33,9 @@ const AppInfo& AppInfo::shared()
 }
 
 AppInfo::AppInfo(const Bundle& bundle)
-    : m_bundle(bundle)
-    , m_version(bundleVersion(bundle, QStringLiteral("1.0.0.0")))
-    , m_displayVersion(bundleVersion(bundle, QStringLiteral("1.0.0")))
+    : m_bundle(bundle),
+      m_version(bundleVersion(bundle, QStringLiteral("1.0.0.0"))),
+      m_displayVersion(bundleVersion(bundle, QStringLiteral("1.0.0")))
 {
 }
 

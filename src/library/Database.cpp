@@ -11,17 +11,14 @@ namespace {
 // The main thread waits meanwhile; pictures have a thread of their own.
 constexpr std::chrono::milliseconds patienceWithWriters = 500ms;
 
-}
+} // namespace
 
 void ResultSet::Finalizer::operator()(sqlite3_stmt* statement) const
 {
     sqlite3_finalize(statement);
 }
 
-ResultSet::ResultSet(sqlite3_stmt* statement)
-    : m_statement(statement)
-{
-}
+ResultSet::ResultSet(sqlite3_stmt* statement) : m_statement(statement) {}
 
 bool ResultSet::next()
 {
@@ -57,10 +54,7 @@ void Database::Closer::operator()(sqlite3* connection) const
     sqlite3_close_v2(connection);
 }
 
-Database::Database(const QString& path)
-    : m_path(path)
-{
-}
+Database::Database(const QString& path) : m_path(path) {}
 
 bool Database::open()
 {
@@ -84,7 +78,8 @@ std::optional<ResultSet> Database::executeQuery(const QString& sql, const QStrin
         return std::nullopt;
     const auto text = sql.toUtf8();
     sqlite3_stmt* statement = nullptr;
-    if (sqlite3_prepare_v2(m_connection.get(), text.constData(), -1, &statement, nullptr) != SQLITE_OK)
+    if (sqlite3_prepare_v2(m_connection.get(), text.constData(), -1, &statement, nullptr) !=
+        SQLITE_OK)
         return std::nullopt;
     ResultSet rows(statement);
     for (int i = 0; i < arguments.size(); ++i) {
@@ -103,7 +98,8 @@ bool Database::executeUpdate(const QString& sql, const QStringList& arguments)
     auto rows = executeQuery(sql, arguments);
     if (!rows)
         return false;
-    while (rows->next()) { }
+    while (rows->next()) {
+    }
     return !rows->hasFailed();
 }
 

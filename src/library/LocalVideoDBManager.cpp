@@ -16,31 +16,31 @@ void printLine(const QString& line)
 /// Where the query has each column of the table.
 struct Columns {
     explicit Columns(const ResultSet& rows)
-        : vid(rows.columnIndex("vid"))
-        , sign(rows.columnIndex("sign"))
-        , preurl(rows.columnIndex("preurl"))
-        , title(rows.columnIndex("title"))
-        , url(rows.columnIndex("url"))
-        , description(rows.columnIndex("description"))
-        , time(rows.columnIndex("time"))
-        , size(rows.columnIndex("size"))
-        , imgurl(rows.columnIndex("imgurl"))
-        , imgsize(rows.columnIndex("imgsize"))
-        , tags(rows.columnIndex("tags"))
-        , ratio(rows.columnIndex("ratio"))
-        , width(rows.columnIndex("width"))
-        , height(rows.columnIndex("height"))
-        , frame(rows.columnIndex("frame"))
-        , rate(rows.columnIndex("rate"))
-        , audio(rows.columnIndex("audio"))
-        , uptime(rows.columnIndex("uptime"))
-        , down(rows.columnIndex("down"))
-        , view(rows.columnIndex("view"))
-        , author(rows.columnIndex("author"))
-        , avatar(rows.columnIndex("avatar"))
-        , avatarsize(rows.columnIndex("avatarsize"))
-        , hp(rows.columnIndex("hp"))
-        , upcount(rows.columnIndex("upcount"))
+        : vid(rows.columnIndex("vid")),
+          sign(rows.columnIndex("sign")),
+          preurl(rows.columnIndex("preurl")),
+          title(rows.columnIndex("title")),
+          url(rows.columnIndex("url")),
+          description(rows.columnIndex("description")),
+          time(rows.columnIndex("time")),
+          size(rows.columnIndex("size")),
+          imgurl(rows.columnIndex("imgurl")),
+          imgsize(rows.columnIndex("imgsize")),
+          tags(rows.columnIndex("tags")),
+          ratio(rows.columnIndex("ratio")),
+          width(rows.columnIndex("width")),
+          height(rows.columnIndex("height")),
+          frame(rows.columnIndex("frame")),
+          rate(rows.columnIndex("rate")),
+          audio(rows.columnIndex("audio")),
+          uptime(rows.columnIndex("uptime")),
+          down(rows.columnIndex("down")),
+          view(rows.columnIndex("view")),
+          author(rows.columnIndex("author")),
+          avatar(rows.columnIndex("avatar")),
+          avatarsize(rows.columnIndex("avatarsize")),
+          hp(rows.columnIndex("hp")),
+          upcount(rows.columnIndex("upcount"))
     {
     }
 
@@ -79,7 +79,7 @@ struct Columns {
         height, frame, rate, audio, uptime, down, view, author, avatar, avatarsize, hp, upcount;
 };
 
-}
+} // namespace
 
 LocalVideoDBManager& LocalVideoDBManager::shared()
 {
@@ -97,10 +97,11 @@ LocalVideoDBManager::LocalVideoDBManager(const AppInfo& appInfo, const Bundle& b
 
 Database LocalVideoDBManager::makeDatabase(const AppInfo& appInfo, const Bundle& bundle)
 {
-    const auto path
-        = appInfo.applicationSupportDirectory().toLocalFile() + QStringLiteral("/Fendix.db");
+    const auto path =
+        appInfo.applicationSupportDirectory().toLocalFile() + QStringLiteral("/Fendix.db");
     if (!QFile::exists(path)) {
-        if (const auto seed = bundle.pathForResource(QStringLiteral("Fendix"), QStringLiteral("db"))) {
+        if (const auto seed =
+                bundle.pathForResource(QStringLiteral("Fendix"), QStringLiteral("db"))) {
             QFile file(*seed);
             if (!file.copy(path))
                 printLine(file.errorString());
@@ -111,7 +112,8 @@ Database LocalVideoDBManager::makeDatabase(const AppInfo& appInfo, const Bundle&
     return Database(path);
 }
 
-std::deque<VideoDetail> LocalVideoDBManager::videos(const QString& sql, const QStringList& arguments)
+std::deque<VideoDetail> LocalVideoDBManager::videos(
+    const QString& sql, const QStringList& arguments)
 {
     std::deque<VideoDetail> videos;
     auto rows = m_db.executeQuery(sql, arguments);
@@ -134,8 +136,7 @@ std::deque<VideoDetail> LocalVideoDBManager::allVideos()
 
 std::optional<VideoDetail> LocalVideoDBManager::video(const QString& sign)
 {
-    const auto found
-        = videos(QStringLiteral("select * from LocalVideos where sign = ?"), { sign });
+    const auto found = videos(QStringLiteral("select * from LocalVideos where sign = ?"), {sign});
     if (found.empty())
         return std::nullopt;
     return found.front();
@@ -143,7 +144,7 @@ std::optional<VideoDetail> LocalVideoDBManager::video(const QString& sign)
 
 void LocalVideoDBManager::deleteVideo(const QString& sign)
 {
-    const bool isDeleted
-        = m_db.executeUpdate(QStringLiteral("delete from LocalVideos where sign = ?"), { sign });
+    const bool isDeleted =
+        m_db.executeUpdate(QStringLiteral("delete from LocalVideos where sign = ?"), {sign});
     printLine(QStringLiteral("delete %1 %2").arg(sign, isDeleted ? u"true" : u"false"));
 }

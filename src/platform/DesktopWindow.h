@@ -14,11 +14,12 @@ enum class WindowBacking : unsigned { Buffered = 2 };
 /// How a window takes part in spaces. The values are bits and may be combined.
 enum class WindowCollectionBehavior : unsigned {
     CanJoinAllSpaces = 1, ///< is on every space
-    Transient = 8, ///< not in task bars, pagers and overviews
+    Transient = 8,        ///< not in task bars, pagers and overviews
 };
 constexpr WindowCollectionBehavior operator|(WindowCollectionBehavior a, WindowCollectionBehavior b)
 {
-    return static_cast<WindowCollectionBehavior>(static_cast<unsigned>(a) | static_cast<unsigned>(b));
+    return static_cast<WindowCollectionBehavior>(
+        static_cast<unsigned>(a) | static_cast<unsigned>(b));
 }
 constexpr bool contains(WindowCollectionBehavior all, WindowCollectionBehavior one)
 {
@@ -51,9 +52,9 @@ public:
     void setCollectionBehavior(WindowCollectionBehavior behavior);
     void setLevel(WindowLevel level);
 
-    void orderBack(); ///< shown, behind everything of its level
+    void orderBack();  ///< shown, behind everything of its level
     void orderFront(); ///< shown, in front of everything of its level
-    void orderOut(); ///< hidden
+    void orderOut();   ///< hidden
 
     /// Runs when the primary button was pressed and released over the window and the view
     /// pressed on let its base class have the press.

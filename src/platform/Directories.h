@@ -24,4 +24,4 @@ std::optional<QString> groupContainer(const QString& groupIdentifier);
 /// directory here.
 QStringList userDirectories(SearchPathDirectory directory);
 
-}
+} // namespace Directories

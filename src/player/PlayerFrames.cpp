@@ -19,11 +19,12 @@ std::vector<QRect> spanningFrames(const std::vector<Screen>& screens)
     std::vector<QRect> frames;
     frames.reserve(screens.size());
     for (const auto& screen : screens)
-        frames.emplace_back(minX - screen.frame.x(), minY - screen.frame.y(), maxX - minX, maxY - minY);
+        frames.emplace_back(
+            minX - screen.frame.x(), minY - screen.frame.y(), maxX - minX, maxY - minY);
     return frames;
 }
 
-}
+} // namespace
 
 std::vector<QRect> computePlayerFrames(
     VideoPlayerScreenType screenType, const std::vector<Screen>& screens)

@@ -23,7 +23,7 @@ void VideoInfoList::clear()
 
 void VideoInfoList::append(VideoDetail video)
 {
-    auto node = std::make_unique<VideoInfoNode>(VideoInfoNode { std::move(video), nullptr });
+    auto node = std::make_unique<VideoInfoNode>(VideoInfoNode{std::move(video), nullptr});
     auto* const appended = node.get();
     if (m_tail) {
         m_tail->next = std::move(node);
@@ -60,7 +60,7 @@ std::deque<VideoDetail> randomlyReordered(const std::deque<VideoDetail>& rows)
     // Draws one of the rows that are left, again and again. The last one takes the place of the
     // one drawn, so that a draw does not move all the others.
     std::vector<std::size_t> left(rows.size());
-    std::iota(left.begin(), left.end(), std::size_t { 0 });
+    std::iota(left.begin(), left.end(), std::size_t{0});
     std::deque<VideoDetail> reordered;
     while (!left.empty()) {
         const auto drawn = QRandomGenerator::global()->bounded(static_cast<quint32>(left.size()));

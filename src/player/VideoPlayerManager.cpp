@@ -26,7 +26,7 @@ VideoPlayerScreenType initialScreenType(qint64 monitorArrange)
     }
 }
 
-}
+} // namespace
 
 VideoPlayerManager& VideoPlayerManager::shared()
 {
@@ -43,13 +43,13 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
     Workspace& workspace,
     DistributedNotificationCenter& distributedCenter,
     NotificationCenter& center)
-    : m_preferences(preferences)
-    , m_library(library)
-    , m_screenType(initialScreenType(preferences.monitorArrange()))
-    , m_screenIndex(preferences.screenIndex())
-    , m_playModel(optionFromRawValue<VideoPlayerPlayModel>(preferences.playModel())
-                      .value_or(VideoPlayerPlayModel::single))
-    , m_currentScreenList(Screen::screens())
+    : m_preferences(preferences),
+      m_library(library),
+      m_screenType(initialScreenType(preferences.monitorArrange())),
+      m_screenIndex(preferences.screenIndex()),
+      m_playModel(optionFromRawValue<VideoPlayerPlayModel>(preferences.playModel())
+                      .value_or(VideoPlayerPlayModel::single)),
+      m_currentScreenList(Screen::screens())
 {
     m_libraryRetry.setSingleShot(true);
     m_libraryRetry.setInterval(1s);
@@ -60,8 +60,8 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
     m_notificationObservers.push_back(distributedCenter.addObserver(
         QStringLiteral("UpdateVideoList"), [this] { reloadVideoList(); }));
     observePreferences();
-    m_notificationObservers.push_back(center.addObserver(
-        PlayerItem::didPlayToEndTimeNotification(), [this] {
+    m_notificationObservers.push_back(
+        center.addObserver(PlayerItem::didPlayToEndTimeNotification(), [this] {
             m_failuresInARow = 0;
             playerItemDidReachEnd();
         }));
@@ -74,9 +74,9 @@ std::vector<Screen> VideoPlayerManager::chosenScreens() const
     auto screens = Screen::screens();
     if (m_screenType != VideoPlayerScreenType::lonely || screens.empty())
         return screens;
-    const bool isInRange
-        = m_screenIndex >= 0 && m_screenIndex < static_cast<qint64>(screens.size());
-    return { screens[isInRange ? static_cast<std::size_t>(m_screenIndex) : 0] };
+    const bool isInRange =
+        m_screenIndex >= 0 && m_screenIndex < static_cast<qint64>(screens.size());
+    return {screens[isInRange ? static_cast<std::size_t>(m_screenIndex) : 0]};
 }
 
 void VideoPlayerManager::createWindows()

@@ -70,7 +70,7 @@ public:
     float volume(); ///< linear, 0 to 1
     void setVolume(float volume);
 
-    void openPlayer(); ///< shows the windows and plays the current video from its start
+    void openPlayer();  ///< shows the windows and plays the current video from its start
     void closePlayer(); ///< pauses and hides the windows
     void setPlaying(bool isPlaying);
     /// What happens when an item has ended or failed.

@@ -29,7 +29,7 @@ bool fileExists(const QUrl& url)
     return url.isLocalFile() && QFileInfo::exists(url.toLocalFile());
 }
 
-}
+} // namespace
 
 Player& VideoPlayerManager::player()
 {
@@ -188,7 +188,8 @@ void VideoPlayerManager::reloadVideoList()
 void VideoPlayerManager::retryWhileLibraryIsBusy()
 {
     reloadVideoList();
-    if (m_player && !m_player->currentItem() && m_videoList.current() && m_preferences.isOpenPlayer())
+    if (m_player && !m_player->currentItem() && m_videoList.current() &&
+        m_preferences.isOpenPlayer())
         openPlayer();
 }
 
@@ -237,8 +238,8 @@ void VideoPlayerManager::observePreferences()
         setPlaying(isPlaying);
     }));
     tokens.push_back(observe(m_preferences, &Preferences::playModelChanged, [this](qint64 value) {
-        m_playModel = optionFromRawValue<VideoPlayerPlayModel>(value).value_or(
-            VideoPlayerPlayModel::single);
+        m_playModel =
+            optionFromRawValue<VideoPlayerPlayModel>(value).value_or(VideoPlayerPlayModel::single);
         reloadVideoList();
     }));
     tokens.push_back(observe(m_preferences, &Preferences::isOpenPlayerChanged, [this](bool isOpen) {
@@ -252,11 +253,12 @@ void VideoPlayerManager::observePreferences()
         m_screenIndex = index;
         rebuildWindows();
     }));
-    tokens.push_back(observe(m_preferences, &Preferences::monitorArrangeChanged, [this](qint64 value) {
-        m_screenType = optionFromRawValue<VideoPlayerScreenType>(value).value_or(
-            VideoPlayerScreenType::lonely);
-        rebuildWindows();
-    }));
+    tokens.push_back(
+        observe(m_preferences, &Preferences::monitorArrangeChanged, [this](qint64 value) {
+            m_screenType = optionFromRawValue<VideoPlayerScreenType>(value).value_or(
+                VideoPlayerScreenType::lonely);
+            rebuildWindows();
+        }));
     // The companion's volume and mute reach a player that is there; a later one asks for them.
     tokens.push_back(observe(m_preferences, &Preferences::volumeChanged, [this](float value) {
         if (m_player)

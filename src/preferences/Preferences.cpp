@@ -16,7 +16,7 @@ const auto isOpenPlayerKey = QStringLiteral("IsOpenPlayer");
 const auto isPlayingKey = QStringLiteral("isPlaying");
 const auto autolaunchKey = QStringLiteral("autolaunch");
 
-}
+} // namespace
 
 Preferences& Preferences::shared()
 {
@@ -31,8 +31,7 @@ Preferences& Preferences::shared()
     return preferences;
 }
 
-Preferences::Preferences(PreferencesSuite& suite)
-    : m_suite(suite)
+Preferences::Preferences(PreferencesSuite& suite) : m_suite(suite)
 {
     seed();
     load();

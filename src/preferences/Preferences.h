@@ -19,18 +19,20 @@
 /// they began. Main thread only.
 class Preferences : public QObject {
     Q_OBJECT
-    Q_PROPERTY(qint64 monitorArrange READ monitorArrange WRITE setMonitorArrange NOTIFY monitorArrangeChanged)
+    Q_PROPERTY(qint64 monitorArrange READ monitorArrange WRITE setMonitorArrange NOTIFY
+            monitorArrangeChanged)
     Q_PROPERTY(qint64 screenIndex READ screenIndex WRITE setScreenIndex NOTIFY screenIndexChanged)
     Q_PROPERTY(qint64 playModel READ playModel WRITE setPlayModel NOTIFY playModelChanged)
     Q_PROPERTY(float volume READ volume WRITE setVolume NOTIFY volumeChanged)
     Q_PROPERTY(bool mute READ mute WRITE setMute NOTIFY muteChanged)
-    Q_PROPERTY(bool alreadyImportVideo READ alreadyImportVideo WRITE setAlreadyImportVideo NOTIFY alreadyImportVideoChanged)
+    Q_PROPERTY(bool alreadyImportVideo READ alreadyImportVideo WRITE setAlreadyImportVideo NOTIFY
+            alreadyImportVideoChanged)
     Q_PROPERTY(bool isOpenPlayer READ isOpenPlayer WRITE setIsOpenPlayer NOTIFY isOpenPlayerChanged)
     Q_PROPERTY(bool isPlaying READ isPlaying WRITE setIsPlaying NOTIFY isPlayingChanged)
     Q_PROPERTY(bool autolaunch READ autolaunch WRITE setAutolaunch NOTIFY autolaunchChanged)
 
 public:
-    static constexpr std::chrono::milliseconds refreshInterval { 1000 };
+    static constexpr std::chrono::milliseconds refreshInterval{1000};
 
     /// The running helper's, which refreshes itself once a second. A suite that cannot be opened
     /// ends the process.
@@ -40,15 +42,15 @@ public:
     explicit Preferences(PreferencesSuite& suite);
 
     qint64 monitorArrange() const { return m_monitorArrange; } ///< a VideoPlayerScreenType or not
-    qint64 screenIndex() const { return m_screenIndex; } ///< into the list of screens, or not
-    qint64 playModel() const { return m_playModel; } ///< a VideoPlayerPlayModel or not
+    qint64 screenIndex() const { return m_screenIndex; }       ///< into the list of screens, or not
+    qint64 playModel() const { return m_playModel; }           ///< a VideoPlayerPlayModel or not
     /// The sign of the video that is played.
     const std::optional<QString>& playingVideoSign() const { return m_playingVideoSign; }
     float volume() const { return m_volume; } ///< linear, 0 to 1, or whatever the file says
     bool mute() const { return m_mute; }
     bool alreadyImportVideo() const { return m_alreadyImportVideo; }
     bool isOpenPlayer() const { return m_isOpenPlayer; } ///< the wallpaper is switched on
-    bool isPlaying() const { return m_isPlaying; } ///< playing rather than paused
+    bool isPlaying() const { return m_isPlaying; }       ///< playing rather than paused
     bool autolaunch() const { return m_autolaunch; }
 
     void setMonitorArrange(qint64 value);

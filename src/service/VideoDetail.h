@@ -10,22 +10,22 @@
 /// them as they are. The ones that `tavelorctl import` writes are given.
 struct VideoDetail {
     const qint64 id;
-    const QString sign; ///< the video's unique key
+    const QString sign;   ///< the video's unique key
     const QString preurl; ///< address of a preview
     const QString title;
     QString url; ///< address of the video file; a file URL for imported videos
     QString description;
-    const qint64 time; ///< imported: length in seconds
-    const qint64 size; ///< imported: bytes
+    const qint64 time;    ///< imported: length in seconds
+    const qint64 size;    ///< imported: bytes
     const QString imgurl; ///< address of the cover picture
     const qint64 imgsize;
     const QString tags;
-    const QString ratio; ///< imported: "16:9"
-    const qint64 width; ///< pixels
-    const qint64 height; ///< pixels
-    const qint64 frame; ///< imported: frames a second, rounded
-    const qint64 rate; ///< imported: bits a second
-    const qint64 audio; ///< imported: 1 with sound, 0 without
+    const QString ratio;  ///< imported: "16:9"
+    const qint64 width;   ///< pixels
+    const qint64 height;  ///< pixels
+    const qint64 frame;   ///< imported: frames a second, rounded
+    const qint64 rate;    ///< imported: bits a second
+    const qint64 audio;   ///< imported: 1 with sound, 0 without
     const QString uptime; ///< imported: UTC, ISO 8601
     const qint64 down;
     qint64 view;

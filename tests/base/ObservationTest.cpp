@@ -31,23 +31,26 @@ private Q_SLOTS:
 
         token = Disposable([&] { released << QStringLiteral("new"); });
 
-        QCOMPARE(released, QStringList { QStringLiteral("old") });
+        QCOMPARE(released, QStringList{QStringLiteral("old")});
     }
 
     void observers_areCalledInOrderUntilTheirTokenIsReleased()
     {
         QObject subject;
         QStringList calls;
-        std::optional first(observe(
-            subject, &QObject::objectNameChanged, [&](const QString& name) { calls << u'1' + name; }));
-        const auto second = observe(
-            subject, &QObject::objectNameChanged, [&](const QString& name) { calls << u'2' + name; });
+        std::optional first(observe(subject, &QObject::objectNameChanged, [&](const QString& name) {
+            calls << u'1' + name;
+        }));
+        const auto second = observe(subject, &QObject::objectNameChanged, [&](const QString& name) {
+            calls << u'2' + name;
+        });
 
         subject.setObjectName(QStringLiteral("a"));
         first.reset();
         subject.setObjectName(QStringLiteral("b"));
 
-        QCOMPARE(calls, (QStringList { QStringLiteral("1a"), QStringLiteral("2a"), QStringLiteral("2b") }));
+        QCOMPARE(
+            calls, (QStringList{QStringLiteral("1a"), QStringLiteral("2a"), QStringLiteral("2b")}));
     }
 
     void tokens_mayOutliveTheSubject()
@@ -56,8 +59,8 @@ private Q_SLOTS:
         {
             QObject subject;
             NotificationCenter center;
-            tokens.push_back(observe(subject, &QObject::objectNameChanged, [] { }));
-            tokens.push_back(center.addObserver(QStringLiteral("name"), [] { }));
+            tokens.push_back(observe(subject, &QObject::objectNameChanged, [] {}));
+            tokens.push_back(center.addObserver(QStringLiteral("name"), [] {}));
         }
         tokens.clear(); // must not touch what is gone
     }
@@ -66,12 +69,14 @@ private Q_SLOTS:
     {
         NotificationCenter center;
         QStringList calls;
-        const auto one = center.addObserver(QStringLiteral("one"), [&] { calls << QStringLiteral("one"); });
-        const auto two = center.addObserver(QStringLiteral("two"), [&] { calls << QStringLiteral("two"); });
+        const auto one =
+            center.addObserver(QStringLiteral("one"), [&] { calls << QStringLiteral("one"); });
+        const auto two =
+            center.addObserver(QStringLiteral("two"), [&] { calls << QStringLiteral("two"); });
 
         center.post(QStringLiteral("two"));
 
-        QCOMPARE(calls, QStringList { QStringLiteral("two") });
+        QCOMPARE(calls, QStringList{QStringLiteral("two")});
     }
 
     void observers_mayComeAndGoDuringDelivery()
@@ -91,9 +96,9 @@ private Q_SLOTS:
         next = center.addObserver(name, [&] { calls << QStringLiteral("next"); });
 
         center.post(name);
-        QCOMPARE(calls, QStringList { QStringLiteral("self") });
+        QCOMPARE(calls, QStringList{QStringLiteral("self")});
         center.post(name);
-        QCOMPARE(calls, (QStringList { QStringLiteral("self"), QStringLiteral("late") }));
+        QCOMPARE(calls, (QStringList{QStringLiteral("self"), QStringLiteral("late")}));
     }
 };
 

@@ -9,8 +9,7 @@
 #include <QTest>
 #include <QUrl>
 
-HelperProcess::HelperProcess(VirtualDesktop& desktop)
-    : m_desktop(desktop)
+HelperProcess::HelperProcess(VirtualDesktop& desktop) : m_desktop(desktop)
 {
     VideoRows::createTable(m_home.databaseFile());
 }
@@ -24,7 +23,8 @@ HelperProcess::~HelperProcess()
     }
     // A machine without a sound card has sound libraries that say so.
     static const QRegularExpression soundLines(
-        QStringLiteral("^(ALSA lib|\\[[A-Z]\\]\\[.*\\] pw\\.).*\n?"), QRegularExpression::MultilineOption);
+        QStringLiteral("^(ALSA lib|\\[[A-Z]\\]\\[.*\\] pw\\.).*\n?"),
+        QRegularExpression::MultilineOption);
     const auto errors = QString::fromUtf8(m_process.readAllStandardError()).remove(soundLines);
     if (!errors.isEmpty())
         QTest::qFail(qUtf8Printable(errors), __FILE__, __LINE__);
@@ -44,7 +44,7 @@ void HelperProcess::addVideo(const QString& sign, const QString& colour, double 
 void HelperProcess::addRow(const QString& sign, const QString& file)
 {
     VideoRows::insert(m_home.databaseFile(),
-        { VideoRows::row(sign, QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded)) });
+        {VideoRows::row(sign, QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded))});
 }
 
 QString HelperProcess::program()
@@ -78,11 +78,14 @@ void HelperProcess::announceLibrary() const
     const auto name = QStringLiteral("announcer");
     auto bus = QDBusConnection::connectToBus(m_desktop.busAddress(), name);
     auto signal = QDBusMessage::createSignal(QStringLiteral("/com/zemra/tavelor"),
-        QStringLiteral("com.zemra.tavelor.DistributedNotification"), QStringLiteral("Posted"));
+        QStringLiteral("com.zemra.tavelor.DistributedNotification"),
+        QStringLiteral("Posted"));
     signal << QStringLiteral("UpdateVideoList") << QString() << QVariantMap();
     bus.send(signal);
     // The answer to a call comes after the signal has left.
     bus.call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("/"), QStringLiteral("org.freedesktop.DBus"), QStringLiteral("GetId")));
+        QStringLiteral("/"),
+        QStringLiteral("org.freedesktop.DBus"),
+        QStringLiteral("GetId")));
     QDBusConnection::disconnectFromBus(name);
 }

@@ -14,9 +14,12 @@ public:
     explicit NotificationListener(const QString& busAddress)
         : m_bus(QDBusConnection::connectToBus(busAddress, QStringLiteral("listener")))
     {
-        m_bus.connect(QString(), QStringLiteral("/com/zemra/tavelor"),
-            QStringLiteral("com.zemra.tavelor.DistributedNotification"), QStringLiteral("Posted"),
-            this, SLOT(hear(QString, QString, QVariantMap)));
+        m_bus.connect(QString(),
+            QStringLiteral("/com/zemra/tavelor"),
+            QStringLiteral("com.zemra.tavelor.DistributedNotification"),
+            QStringLiteral("Posted"),
+            this,
+            SLOT(hear(QString, QString, QVariantMap)));
     }
     ~NotificationListener() override
     {
@@ -64,7 +67,7 @@ private Q_SLOTS:
         QVERIFY(helper.waitForEnd());
         QCOMPARE(helper.process().exitStatus(), QProcess::NormalExit);
         QCOMPARE(helper.process().exitCode(), 0);
-        QTRY_COMPARE(listener.names, QStringList { QStringLiteral("com.zemra.fendix.mac.ter0") });
+        QTRY_COMPARE(listener.names, QStringList{QStringLiteral("com.zemra.fendix.mac.ter0")});
     }
 
     void secondInstance_saysSoAndEnds()
@@ -80,7 +83,8 @@ private Q_SLOTS:
 
         QVERIFY(second.waitForFinished());
         QCOMPARE(second.exitCode(), 0);
-        QCOMPARE(second.readAllStandardError(), "TavelorHelper is already running in this session.\n");
+        QCOMPARE(
+            second.readAllStandardError(), "TavelorHelper is already running in this session.\n");
         QCOMPARE(m_desktop.leftColour(), QStringLiteral("red"));
     }
 

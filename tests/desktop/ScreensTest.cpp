@@ -9,7 +9,7 @@ namespace {
 const auto arrangeKey = QStringLiteral("MonitorArrange");
 const auto indexKey = QStringLiteral("ScreenIndex");
 
-}
+} // namespace
 
 /// Which part of a picture is on which monitor. The picture is red on its left half and blue on
 /// its right one; a monitor is half of the desktop.
@@ -47,8 +47,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("arrangement");
         QTest::addColumn<QString>("onBoth");
         QTest::addColumn<QString>("onLeft");
-        QTest::newRow("one picture") << "0" << "red red blue blue" << "red blue black black";
-        QTest::newRow("mirrored") << "1" << "red blue red blue" << "red blue black black";
+        QTest::newRow("one picture") << "0"
+                                     << "red red blue blue"
+                                     << "red blue black black";
+        QTest::newRow("mirrored") << "1"
+                                  << "red blue red blue"
+                                  << "red blue black black";
     }
 
     void unpluggedAndPluggedMonitor_isFollowedWhilePlaying()
@@ -98,8 +102,8 @@ private:
     QString quarters() const
     {
         QStringList colours;
-        for (const int x : { 100, 540, 740, 1180 })
-            colours << m_desktop.colour({ x, 360 });
+        for (const int x : {100, 540, 740, 1180})
+            colours << m_desktop.colour({x, 360});
         return colours.join(u' ');
     }
 

@@ -14,7 +14,8 @@ namespace {
 struct Free {
     void operator()(void* memory) const { std::free(memory); }
 };
-template <typename Reply> std::unique_ptr<Reply, Free> own(Reply* reply)
+template <typename Reply>
+std::unique_ptr<Reply, Free> own(Reply* reply)
 {
     return std::unique_ptr<Reply, Free>(reply);
 }
@@ -39,21 +40,27 @@ QByteArray firstLine(QProcess& process, const char* what)
     return line.trimmed();
 }
 
-}
+} // namespace
 
-VirtualDesktop::VirtualDesktop(const QSize& size)
-    : m_size(size)
+VirtualDesktop::VirtualDesktop(const QSize& size) : m_size(size)
 {
     // The server takes a free display by itself and writes its number to its standard output.
     m_server.start(QStringLiteral("Xvfb"),
-        { QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-            QStringLiteral("0"), QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()),
-            QStringLiteral("-nolisten"), QStringLiteral("tcp"), QStringLiteral("-noreset") });
+        {QStringLiteral("-displayfd"),
+            QStringLiteral("1"),
+            QStringLiteral("-screen"),
+            QStringLiteral("0"),
+            QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()),
+            QStringLiteral("-nolisten"),
+            QStringLiteral("tcp"),
+            QStringLiteral("-noreset")});
     m_display = u':' + QString::fromLatin1(firstLine(m_server, "Xvfb"));
     m_connection.reset(xcb_connect(m_display.toLatin1().constData(), nullptr));
 
     m_bus.start(QStringLiteral("dbus-daemon"),
-        { QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1") });
+        {QStringLiteral("--session"),
+            QStringLiteral("--nofork"),
+            QStringLiteral("--print-address=1")});
     m_busAddress = QString::fromLatin1(firstLine(m_bus, "dbus-daemon"));
 }
 
@@ -84,16 +91,16 @@ xcb_window_t VirtualDesktop::root() const
 
 xcb_atom_t VirtualDesktop::atom(const char* name) const
 {
-    const auto cookie
-        = xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(qstrlen(name)), name);
+    const auto cookie =
+        xcb_intern_atom(connection(), 0, static_cast<std::uint16_t>(qstrlen(name)), name);
     return own(xcb_intern_atom_reply(connection(), cookie, nullptr))->atom;
 }
 
 bool VirtualDesktop::hasWindowManager() const
 {
     // The last thing that openbox publishes when it starts.
-    const auto cookie = xcb_get_property(
-        connection(), 0, root(), atom("_NET_SUPPORTED"), XCB_ATOM_ATOM, 0, 1);
+    const auto cookie =
+        xcb_get_property(connection(), 0, root(), atom("_NET_SUPPORTED"), XCB_ATOM_ATOM, 0, 1);
     return own(xcb_get_property_reply(connection(), cookie, nullptr))->value_len > 0;
 }
 
@@ -137,7 +144,8 @@ void VirtualDesktop::setMonitors(Monitors monitors)
         run(QStringLiteral("--delmonitor RIGHT"));
     run(QStringLiteral("--setmonitor LEFT ") + half + QStringLiteral("0+0 screen"));
     if (monitors == Monitors::TwoHalves)
-        run(QStringLiteral("--setmonitor RIGHT ") + half + QStringLiteral("%1+0 none").arg(m_size.width() / 2));
+        run(QStringLiteral("--setmonitor RIGHT ") + half +
+            QStringLiteral("%1+0 none").arg(m_size.width() / 2));
 }
 
 QString VirtualDesktop::colour(const QPoint& point) const
@@ -154,13 +162,14 @@ QString VirtualDesktop::colour(const QPoint& point) const
     if (!image)
         return {};
     const auto* bytes = xcb_get_image_data(image.get());
-    const QColor seen { bytes[2], bytes[1], bytes[0] };
-    for (const auto* name : { "red", "lime", "blue", "yellow", "magenta", "cyan", "white", "black" }) {
-        const QColor pure { QLatin1String(name) };
+    const QColor seen{bytes[2], bytes[1], bytes[0]};
+    for (const auto* name :
+        {"red", "lime", "blue", "yellow", "magenta", "cyan", "white", "black"}) {
+        const QColor pure{QLatin1String(name)};
         constexpr int tolerance = 40; // what YUV and its standards make of a pure colour
-        if (std::abs(seen.red() - pure.red()) <= tolerance
-            && std::abs(seen.green() - pure.green()) <= tolerance
-            && std::abs(seen.blue() - pure.blue()) <= tolerance)
+        if (std::abs(seen.red() - pure.red()) <= tolerance &&
+            std::abs(seen.green() - pure.green()) <= tolerance &&
+            std::abs(seen.blue() - pure.blue()) <= tolerance)
             return QLatin1String(name);
     }
     return seen.name();
@@ -169,8 +178,14 @@ QString VirtualDesktop::colour(const QPoint& point) const
 void VirtualDesktop::moveAndClick(const QPoint& point, std::uint8_t button) const
 {
     const auto fake = [this](std::uint8_t type, std::uint8_t detail, const QPoint& at) {
-        xcb_test_fake_input(connection(), type, detail, XCB_CURRENT_TIME, root(),
-            static_cast<std::int16_t>(at.x()), static_cast<std::int16_t>(at.y()), 0);
+        xcb_test_fake_input(connection(),
+            type,
+            detail,
+            XCB_CURRENT_TIME,
+            root(),
+            static_cast<std::int16_t>(at.x()),
+            static_cast<std::int16_t>(at.y()),
+            0);
     };
     fake(XCB_MOTION_NOTIFY, 0, point);
     fake(XCB_BUTTON_PRESS, button, {});
@@ -182,16 +197,39 @@ xcb_window_t VirtualDesktop::openWindow(WindowKind kind, const QColor& colour) c
 {
     const auto window = xcb_generate_id(connection());
     const std::uint32_t background = colour.rgb() & 0xffffff;
-    xcb_create_window(connection(), XCB_COPY_FROM_PARENT, window, root(), 100, 100, 300, 300, 0,
-        XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_BACK_PIXEL, &background);
-    const auto type = atom(kind == WindowKind::Desktop ? "_NET_WM_WINDOW_TYPE_DESKTOP"
-                                                       : "_NET_WM_WINDOW_TYPE_NORMAL");
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_WINDOW_TYPE"),
-        XCB_ATOM_ATOM, 32, 1, &type);
+    xcb_create_window(connection(),
+        XCB_COPY_FROM_PARENT,
+        window,
+        root(),
+        100,
+        100,
+        300,
+        300,
+        0,
+        XCB_WINDOW_CLASS_INPUT_OUTPUT,
+        XCB_COPY_FROM_PARENT,
+        XCB_CW_BACK_PIXEL,
+        &background);
+    const auto type = atom(
+        kind == WindowKind::Desktop ? "_NET_WM_WINDOW_TYPE_DESKTOP" : "_NET_WM_WINDOW_TYPE_NORMAL");
+    xcb_change_property(connection(),
+        XCB_PROP_MODE_REPLACE,
+        window,
+        atom("_NET_WM_WINDOW_TYPE"),
+        XCB_ATOM_ATOM,
+        32,
+        1,
+        &type);
     // "The user wants it here": window managers place the others as they like.
-    const std::array<std::uint32_t, 18> hints { 1 };
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS,
-        XCB_ATOM_WM_SIZE_HINTS, 32, hints.size(), hints.data());
+    const std::array<std::uint32_t, 18> hints{1};
+    xcb_change_property(connection(),
+        XCB_PROP_MODE_REPLACE,
+        window,
+        XCB_ATOM_WM_NORMAL_HINTS,
+        XCB_ATOM_WM_SIZE_HINTS,
+        32,
+        hints.size(),
+        hints.data());
     xcb_map_window(connection(), window);
     xcb_flush(connection());
     return window;
@@ -205,13 +243,15 @@ void VirtualDesktop::closeWindow(xcb_window_t window) const
 
 void VirtualDesktop::requestDesktop(std::uint32_t number) const
 {
-    xcb_client_message_event_t message {};
+    xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = root();
     message.type = atom("_NET_CURRENT_DESKTOP");
     message.data.data32[0] = number;
-    xcb_send_event(connection(), 0, root(),
+    xcb_send_event(connection(),
+        0,
+        root(),
         XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
         reinterpret_cast<const char*>(&message));
     xcb_flush(connection());

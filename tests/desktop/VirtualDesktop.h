@@ -14,7 +14,7 @@
 /// from the root window, as a person would see it.
 class VirtualDesktop {
 public:
-    explicit VirtualDesktop(const QSize& size = { 1280, 720 });
+    explicit VirtualDesktop(const QSize& size = {1280, 720});
     ~VirtualDesktop();
     VirtualDesktop(const VirtualDesktop&) = delete;
     VirtualDesktop& operator=(const VirtualDesktop&) = delete;
@@ -38,8 +38,8 @@ public:
 
     /// "red" for anything near pure red, and so on; "#rrggbb" for what is no such colour.
     QString colour(const QPoint& point) const;
-    QString leftColour() const { return colour({ 200, 200 }); }
-    QString rightColour() const { return colour({ m_size.width() - 200, 200 }); }
+    QString leftColour() const { return colour({200, 200}); }
+    QString rightColour() const { return colour({m_size.width() - 200, 200}); }
 
     void moveAndClick(const QPoint& point, std::uint8_t button = 1) const;
 

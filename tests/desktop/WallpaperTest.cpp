@@ -13,7 +13,7 @@ const auto openKey = QStringLiteral("IsOpenPlayer");
 const auto playingKey = QStringLiteral("isPlaying");
 const auto playModelKey = QStringLiteral("PlayModel");
 
-}
+} // namespace
 
 /// What a person sees who sets things with another program. Judged by the pixels of the root
 /// window and by the files.
@@ -54,7 +54,8 @@ private Q_SLOTS:
         QFile::remove(helper.videoFile(QStringLiteral("g")));
         helper.home().writeSuiteValue(signKey, QStringLiteral("g"));
 
-        QTRY_COMPARE(VideoRows::signs(helper.home().databaseFile()), QStringList { QStringLiteral("r") });
+        QTRY_COMPARE(
+            VideoRows::signs(helper.home().databaseFile()), QStringList{QStringLiteral("r")});
         QTRY_VERIFY(helper.lines().contains(u"delete g true"));
         QCOMPARE(m_desktop.leftColour(), QStringLiteral("red"));
     }
@@ -66,7 +67,7 @@ private Q_SLOTS:
         helper.addVideo(QStringLiteral("g"), QStringLiteral("lime"), 0.5);
         helper.home().writeSuiteValue(playModelKey, QStringLiteral("1"));
         helper.start();
-        for (const auto* colour : { "red", "lime", "red" })
+        for (const auto* colour : {"red", "lime", "red"})
             QTRY_COMPARE(m_desktop.leftColour(), QLatin1String(colour));
 
         helper.addVideo(QStringLiteral("b"), QStringLiteral("blue"), 0.5);
@@ -120,8 +121,13 @@ private Q_SLOTS:
     void badFiles_areSkipped_data()
     {
         QTest::addColumn<QString>("kind");
-        for (const auto* kind : { "text", "playlist", "cut off", "cut off after its head", "empty",
-                 "folder", "sound only" })
+        for (const auto* kind : {"text",
+                 "playlist",
+                 "cut off",
+                 "cut off after its head",
+                 "empty",
+                 "folder",
+                 "sound only"})
             QTest::newRow(kind) << kind;
     }
 
@@ -137,7 +143,7 @@ private Q_SLOTS:
         helper.home().writeSuiteValue(playModelKey, QStringLiteral("1"));
         helper.start();
 
-        for (const auto* colour : { "red", "lime", "red", "lime" })
+        for (const auto* colour : {"red", "lime", "red", "lime"})
             QTRY_COMPARE(m_desktop.leftColour(), QLatin1String(colour));
         QVERIFY(VideoRows::signs(helper.home().databaseFile()).contains(QStringLiteral("bad")));
     }
@@ -152,11 +158,11 @@ private Q_SLOTS:
     void libraryOfBadFilesOnly_costsNothing()
     {
         QFETCH(QString, kind);
-        for (const auto* playModel : { "0", "1" }) {
+        for (const auto* playModel : {"0", "1"}) {
             HelperProcess helper(m_desktop);
             const auto good = helper.home().path() + QStringLiteral("/good.mp4");
             TestVideos::makePlain(good, QStringLiteral("red"));
-            for (const auto* sign : { "x", "y" }) {
+            for (const auto* sign : {"x", "y"}) {
                 makeBadFile(helper.videoFile(QLatin1String(sign)), kind, good);
                 helper.addRow(QLatin1String(sign), helper.videoFile(QLatin1String(sign)));
             }
@@ -179,10 +185,11 @@ private Q_SLOTS:
         helper.start();
         QTRY_COMPARE(m_desktop.leftColour(), QStringLiteral("red"));
 
-        m_desktop.moveAndClick({ 300, 300 });
+        m_desktop.moveAndClick({300, 300});
 
         QTRY_COMPARE(helper.lines().mid(1),
-            (QStringList { QStringLiteral("mouse down"), QStringLiteral("tapVideoPlayerViewAction") }));
+            (QStringList{
+                QStringLiteral("mouse down"), QStringLiteral("tapVideoPlayerViewAction")}));
     }
 
     void pictureComesBack_whereAnotherWindowWas()
@@ -211,8 +218,13 @@ private:
         } else if (kind == u"cut off") {
             TemporaryHome::writeFile(file, TemporaryHome::contents(good).chopped(600));
         } else if (kind == u"cut off after its head") {
-            TestVideos::make(file, { QStringLiteral("-i"), good, QStringLiteral("-c"),
-                QStringLiteral("copy"), QStringLiteral("-movflags"), QStringLiteral("+faststart") });
+            TestVideos::make(file,
+                {QStringLiteral("-i"),
+                    good,
+                    QStringLiteral("-c"),
+                    QStringLiteral("copy"),
+                    QStringLiteral("-movflags"),
+                    QStringLiteral("+faststart")});
             const auto whole = TemporaryHome::contents(file);
             TemporaryHome::writeFile(file, whole.left(whole.indexOf("mdat") + 4));
         } else if (kind == u"empty") {
@@ -221,17 +233,20 @@ private:
             QDir().mkpath(file);
             QFile::copy(good, file + QStringLiteral("/inside.mp4"));
         } else if (kind == u"sound only") {
-            TestVideos::make(file, { QStringLiteral("-f"), QStringLiteral("lavfi"),
-                QStringLiteral("-i"), QStringLiteral("sine=d=0.5"), QStringLiteral("-c:a"),
-                QStringLiteral("aac") });
+            TestVideos::make(file,
+                {QStringLiteral("-f"),
+                    QStringLiteral("lavfi"),
+                    QStringLiteral("-i"),
+                    QStringLiteral("sine=d=0.5"),
+                    QStringLiteral("-c:a"),
+                    QStringLiteral("aac")});
         }
     }
 
     /// Hundredths of a second that the process has used.
     static qint64 processorTicks(qint64 process)
     {
-        const auto status
-            = TemporaryHome::contents(QStringLiteral("/proc/%1/stat").arg(process));
+        const auto status = TemporaryHome::contents(QStringLiteral("/proc/%1/stat").arg(process));
         const auto fields = status.mid(status.lastIndexOf(')')).split(' ');
         return fields[12].toLongLong() + fields[13].toLongLong();
     }

@@ -17,12 +17,14 @@ private Q_SLOTS:
 
         const QString fallback = QStringLiteral("1.0.0.0");
         const QString displayFallback = QStringLiteral("1.0.0");
-        QTest::newRow("the bundle's own") << QByteArray("CFBundleShortVersionString=2.4.1\n")
-                                          << "2.4.1" << "2.4.1";
+        QTest::newRow("the bundle's own")
+            << QByteArray("CFBundleShortVersionString=2.4.1\n") << "2.4.1"
+            << "2.4.1";
         QTest::newRow("no information file") << QByteArray() << fallback << displayFallback;
-        QTest::newRow("no such key") << QByteArray("CFBundleIdentifier=a.b\n") << fallback << displayFallback;
-        QTest::newRow("a list instead of a string") << QByteArray("CFBundleShortVersionString=1, 2\n")
-                                                    << fallback << displayFallback;
+        QTest::newRow("no such key")
+            << QByteArray("CFBundleIdentifier=a.b\n") << fallback << displayFallback;
+        QTest::newRow("a list instead of a string")
+            << QByteArray("CFBundleShortVersionString=1, 2\n") << fallback << displayFallback;
     }
 
     void versions()

@@ -15,9 +15,7 @@ namespace {
 /// What is written to standard output while it lives.
 class CapturedOutput {
 public:
-    CapturedOutput()
-        : m_file(std::tmpfile())
-        , m_saved(dup(STDOUT_FILENO))
+    CapturedOutput() : m_file(std::tmpfile()), m_saved(dup(STDOUT_FILENO))
     {
         std::fflush(stdout);
         dup2(fileno(m_file), STDOUT_FILENO);
@@ -53,8 +51,8 @@ private:
 
 struct Fixture {
     TemporaryHome home;
-    Bundle bundle { home.path() };
-    AppInfo info { bundle };
+    Bundle bundle{home.path()};
+    AppInfo info{bundle};
 
     std::unique_ptr<LocalVideoDBManager> open() const
     {
@@ -64,7 +62,7 @@ struct Fixture {
 
 const auto fileUrl = QStringLiteral("file:///videos/a.mp4");
 
-}
+} // namespace
 
 class LocalVideoDBManagerTest : public QObject {
     Q_OBJECT
@@ -74,13 +72,14 @@ private Q_SLOTS:
     {
         const Fixture fixture;
         const auto b = VideoRows::row(QStringLiteral("b"), fileUrl);
-        const auto a = VideoRows::row(QStringLiteral("a"), QStringLiteral("file:///videos/%C3%BC.mp4"));
+        const auto a =
+            VideoRows::row(QStringLiteral("a"), QStringLiteral("file:///videos/%C3%BC.mp4"));
         VideoRows::createTable(fixture.home.databaseFile());
-        VideoRows::insert(fixture.home.databaseFile(), { b, a });
+        VideoRows::insert(fixture.home.databaseFile(), {b, a});
 
         const auto library = fixture.open();
 
-        QVERIFY(library->allVideos() == (std::deque { b, a }));
+        QVERIFY(library->allVideos() == (std::deque{b, a}));
         QVERIFY(library->video(QStringLiteral("a")) == a);
         QVERIFY(!library->video(QStringLiteral("unknown")));
     }
@@ -92,12 +91,13 @@ private Q_SLOTS:
         // Columns missing, others in between, another order, another case; NULLs; a number
         // beyond 32 bits.
         VideoRows::execute(file,
-            QStringLiteral("create table LocalVideos (extra text, SIGN text, size int, title text, url text);"
-                           "insert into LocalVideos values ('x', 's', 4294967298, null, null)"));
+            QStringLiteral(
+                "create table LocalVideos (extra text, SIGN text, size int, title text, url text);"
+                "insert into LocalVideos values ('x', 's', 4294967298, null, null)"));
 
         const auto videos = fixture.open()->allVideos();
 
-        QCOMPARE(videos.size(), std::size_t { 1 });
+        QCOMPARE(videos.size(), std::size_t{1});
         QCOMPARE(videos[0].sign, QStringLiteral("s"));
         QCOMPARE(videos[0].size, 2);
         QCOMPARE(videos[0].title, QString());
@@ -110,8 +110,8 @@ private Q_SLOTS:
         const Fixture fixture;
         VideoRows::createTable(fixture.home.databaseFile());
         VideoRows::insert(fixture.home.databaseFile(),
-            { VideoRows::row(QStringLiteral("a'; drop table LocalVideos; --"), fileUrl),
-                VideoRows::row(QStringLiteral("b"), fileUrl) });
+            {VideoRows::row(QStringLiteral("a'; drop table LocalVideos; --"), fileUrl),
+                VideoRows::row(QStringLiteral("b"), fileUrl)});
         CapturedOutput output;
 
         const auto library = fixture.open();
@@ -119,9 +119,9 @@ private Q_SLOTS:
         library->deleteVideo(QStringLiteral("unknown"));
 
         QCOMPARE(output.text(),
-            fixture.home.databaseFile().toUtf8()
-                + "\ndelete a'; drop table LocalVideos; -- true\ndelete unknown true\n");
-        QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), QStringList { QStringLiteral("b") });
+            fixture.home.databaseFile().toUtf8() +
+                "\ndelete a'; drop table LocalVideos; -- true\ndelete unknown true\n");
+        QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), QStringList{QStringLiteral("b")});
     }
 
     void brokenLibraries_areEmptyAndStayUsable_data()
@@ -168,7 +168,7 @@ private Q_SLOTS:
         const Fixture fixture;
         const auto file = fixture.home.databaseFile();
         VideoRows::createTable(file);
-        VideoRows::insert(file, { VideoRows::row(QStringLiteral("a"), fileUrl) });
+        VideoRows::insert(file, {VideoRows::row(QStringLiteral("a"), fileUrl)});
         const auto library = fixture.open();
         sqlite3* writer = nullptr;
         sqlite3_open(file.toUtf8().constData(), &writer);
@@ -179,7 +179,7 @@ private Q_SLOTS:
 
         sqlite3_exec(writer, "commit", nullptr, nullptr, nullptr);
         sqlite3_close(writer);
-        QCOMPARE(library->allVideos().size(), std::size_t { 1 });
+        QCOMPARE(library->allVideos().size(), std::size_t{1});
         QVERIFY(library->lastReading() == LocalVideoDBManager::Reading::Complete);
     }
 
@@ -188,12 +188,12 @@ private Q_SLOTS:
         const Fixture fixture;
         const auto seed = fixture.home.path() + QStringLiteral("/Fendix.db");
         VideoRows::createTable(seed);
-        VideoRows::insert(seed, { VideoRows::row(QStringLiteral("seeded"), fileUrl) });
+        VideoRows::insert(seed, {VideoRows::row(QStringLiteral("seeded"), fileUrl)});
         QFile::setPermissions(seed, QFile::ReadOwner);
 
         LocalVideoDBManager::makeDatabase(fixture.info, fixture.bundle);
         const auto library = fixture.open();
-        QCOMPARE(library->allVideos().size(), std::size_t { 1 });
+        QCOMPARE(library->allVideos().size(), std::size_t{1});
         library->deleteVideo(QStringLiteral("seeded"));
         LocalVideoDBManager::makeDatabase(fixture.info, fixture.bundle);
 

@@ -30,4 +30,4 @@ void click();
 /// Forgets everything, for the next test.
 void reset();
 
-}
+} // namespace Recording

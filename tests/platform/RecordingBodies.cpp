@@ -30,7 +30,7 @@ void record(const QString& line)
     Recording::lines().append(line);
 }
 
-}
+} // namespace
 
 std::vector<Screen> Screen::screens()
 {
@@ -105,8 +105,7 @@ public:
     QRect frame;
 };
 
-PlayerLayerView::PlayerLayerView(const QRect& frame)
-    : m_body(std::make_unique<Body>(Body { frame }))
+PlayerLayerView::PlayerLayerView(const QRect& frame) : m_body(std::make_unique<Body>(Body{frame}))
 {
 }
 
@@ -117,12 +116,12 @@ const QRect& PlayerLayerView::frame() const
     return m_body->frame;
 }
 
-void PlayerLayerView::setPlayer(Player&) { }
-void PlayerLayerView::setVideoGravity(VideoGravity) { }
-void PlayerLayerView::setControlsStyle(PlayerControlsStyle) { }
-void PlayerLayerView::drawRect(const QRect&) { }
-void PlayerLayerView::touchesBegan(const TouchEvent&) { }
-void PlayerLayerView::mouseDown(const MouseEvent&) { }
+void PlayerLayerView::setPlayer(Player&) {}
+void PlayerLayerView::setVideoGravity(VideoGravity) {}
+void PlayerLayerView::setControlsStyle(PlayerControlsStyle) {}
+void PlayerLayerView::drawRect(const QRect&) {}
+void PlayerLayerView::touchesBegan(const TouchEvent&) {}
+void PlayerLayerView::mouseDown(const MouseEvent&) {}
 
 // -- the player
 
@@ -135,8 +134,7 @@ public:
     bool isMuted = false;
 };
 
-Player::Player(std::unique_ptr<PlayerItem> item)
-    : m_body(std::make_unique<Body>())
+Player::Player(std::unique_ptr<PlayerItem> item) : m_body(std::make_unique<Body>())
 {
     record(QStringLiteral("player made"));
     playerBody = m_body.get();
@@ -235,10 +233,7 @@ public:
     NotificationCenter observers; // whatever is posted comes back, as from a bus
 };
 
-DistributedNotificationCenter::DistributedNotificationCenter()
-    : m_body(std::make_unique<Body>())
-{
-}
+DistributedNotificationCenter::DistributedNotificationCenter() : m_body(std::make_unique<Body>()) {}
 
 DistributedNotificationCenter::~DistributedNotificationCenter() = default;
 

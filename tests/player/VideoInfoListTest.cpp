@@ -30,7 +30,7 @@ QString signs(const std::deque<VideoDetail>& videos)
     return signs;
 }
 
-}
+} // namespace
 
 class VideoInfoListTest : public QObject {
     Q_OBJECT
@@ -61,7 +61,7 @@ private Q_SLOTS:
         list.moveToSign(QStringLiteral("a"));
 
         QVERIFY(!list.head() && !list.tail() && !list.current());
-        QCOMPARE(list.count(), std::size_t { 0 });
+        QCOMPARE(list.count(), std::size_t{0});
     }
 
     void moveToSign_findsTheFirstMatchOrStays()
@@ -104,7 +104,7 @@ private Q_SLOTS:
         for (int i = 0; i < draws; ++i)
             ++counts[signs(randomlyReordered(rows))];
 
-        QCOMPARE(counts.size(), std::size_t { 6 });
+        QCOMPARE(counts.size(), std::size_t{6});
         // 1000 each are expected; six standard deviations are 173.
         for (const auto& [permutation, count] : counts)
             QVERIFY2(count > 820 && count < 1180, qUtf8Printable(permutation));

@@ -21,8 +21,8 @@ QStringList strings(std::initializer_list<const char*> texts)
     return list;
 }
 
-const Screen left { QStringLiteral("left"), QRect(0, 0, 800, 600) };
-const Screen right { QStringLiteral("right"), QRect(800, 0, 800, 600) };
+const Screen left{QStringLiteral("left"), QRect(0, 0, 800, 600)};
+const Screen right{QStringLiteral("right"), QRect(800, 0, 800, 600)};
 
 /// A library of videos whose files exist (empty ones: nothing here plays them), settings, and a
 /// manager on the recording bodies.
@@ -30,29 +30,32 @@ struct Fixture {
     explicit Fixture(const QString& signs = QStringLiteral("abc"), const QByteArray& settings = {})
     {
         Recording::reset();
-        Recording::screens() = { left };
+        Recording::screens() = {left};
         VideoRows::createTable(home.databaseFile());
         for (const auto sign : signs)
             addVideo(sign);
         TemporaryHome::writeFile(home.suiteFile(), "[General]\n" + settings);
-        suite = PreferencesSuite::open(
-            QStringLiteral("K7ZT3QW9RB.tavelor"), home.container() + QStringLiteral("/Preferences"));
+        suite = PreferencesSuite::open(QStringLiteral("K7ZT3QW9RB.tavelor"),
+            home.container() + QStringLiteral("/Preferences"));
         preferences = std::make_unique<Preferences>(*suite);
         library = std::make_unique<LocalVideoDBManager>(info, bundle);
         manager = std::make_unique<VideoPlayerManager>(
             *preferences, *library, workspace, distributedCenter, center);
     }
 
-    QString file(const QString& sign) const { return home.path() + u'/' + sign + QStringLiteral(".mp4"); }
+    QString file(const QString& sign) const
+    {
+        return home.path() + u'/' + sign + QStringLiteral(".mp4");
+    }
     void addVideo(const QString& sign) const
     {
         TemporaryHome::writeFile(file(sign), "");
         VideoRows::insert(home.databaseFile(),
-            { VideoRows::row(sign, QUrl::fromLocalFile(file(sign)).toString()) });
+            {VideoRows::row(sign, QUrl::fromLocalFile(file(sign)).toString())});
     }
     void addRow(const QString& sign, const QString& url) const
     {
-        VideoRows::insert(home.databaseFile(), { VideoRows::row(sign, url) });
+        VideoRows::insert(home.databaseFile(), {VideoRows::row(sign, url)});
     }
 
     /// Starts as the delegate does, and forgets what that recorded.
@@ -68,11 +71,14 @@ struct Fixture {
         const auto* item = Recording::currentItem();
         return item ? item->url().fileName().chopped(4) : QStringLiteral("nothing");
     }
-    QString sign() const { return preferences->playingVideoSign().value_or(QStringLiteral("none")); }
+    QString sign() const
+    {
+        return preferences->playingVideoSign().value_or(QStringLiteral("none"));
+    }
 
     TemporaryHome home;
-    Bundle bundle { home.path() };
-    AppInfo info { bundle };
+    Bundle bundle{home.path()};
+    AppInfo info{bundle};
     Workspace workspace;
     DistributedNotificationCenter distributedCenter;
     NotificationCenter center;
@@ -82,7 +88,7 @@ struct Fixture {
     std::unique_ptr<VideoPlayerManager> manager;
 };
 
-}
+} // namespace
 
 class VideoPlayerManagerTest : public QObject {
     Q_OBJECT
@@ -93,19 +99,33 @@ private Q_SLOTS:
     void createWindows_whileOpen_buildsAndPlaysInOrder()
     {
         Fixture fixture(QStringLiteral("ab"), "Volume=0.25\nMute=true\nMonitorArrange=0\n");
-        Recording::screens() = { left, right };
+        Recording::screens() = {left, right};
 
         fixture.manager->createWindows();
 
         QCOMPARE(Recording::take(),
-            strings({ "window 1 made 0,0 800x600 style 4 backing 2 on left", "window 1 behavior 9",
-                "window 1 click action", "player made", "item a.mp4", "player action at end 2",
-                "player volume 0.25", "player muted 1", "window 1 view 0,0 1600x600",
-                "window 1 level 18", "window 1 back",
-                "window 2 made 0,0 800x600 style 4 backing 2 on right", "window 2 behavior 9",
-                "window 2 click action", "window 2 view -800,0 1600x600", "window 2 level 18",
-                "window 2 back", "window 1 level 18", "window 1 back", "window 2 level 18",
-                "window 2 back", "player play" }));
+            strings({"window 1 made 0,0 800x600 style 4 backing 2 on left",
+                "window 1 behavior 9",
+                "window 1 click action",
+                "player made",
+                "item a.mp4",
+                "player action at end 2",
+                "player volume 0.25",
+                "player muted 1",
+                "window 1 view 0,0 1600x600",
+                "window 1 level 18",
+                "window 1 back",
+                "window 2 made 0,0 800x600 style 4 backing 2 on right",
+                "window 2 behavior 9",
+                "window 2 click action",
+                "window 2 view -800,0 1600x600",
+                "window 2 level 18",
+                "window 2 back",
+                "window 1 level 18",
+                "window 1 back",
+                "window 2 level 18",
+                "window 2 back",
+                "player play"}));
         QCOMPARE(fixture.sign(), QStringLiteral("a"));
     }
 
@@ -115,7 +135,7 @@ private Q_SLOTS:
 
         fixture.manager->createWindows();
 
-        QCOMPARE(Recording::take().mid(11), strings({ "player pause", "window 1 out" }));
+        QCOMPARE(Recording::take().mid(11), strings({"player pause", "window 1 out"}));
         QVERIFY(!fixture.preferences->isPlaying());
         QCOMPARE(fixture.sign(), QStringLiteral("none"));
     }
@@ -163,7 +183,7 @@ private Q_SLOTS:
         QFETCH(int, index);
         QFETCH(QString, screen);
         Fixture fixture;
-        Recording::screens() = { left, right };
+        Recording::screens() = {left, right};
         fixture.start();
 
         fixture.preferences->setScreenIndex(index);
@@ -171,7 +191,8 @@ private Q_SLOTS:
         auto lines = Recording::take();
         QCOMPARE(lines[0], QStringLiteral("window 1 out")); // the old ones go first
         QCOMPARE(lines.filter(QStringLiteral("made")),
-            QStringList { QStringLiteral("window 3 made 0,0 800x600 style 4 backing 2 on ") + screen });
+            QStringList{
+                QStringLiteral("window 3 made 0,0 800x600 style 4 backing 2 on ") + screen});
         QCOMPARE(fixture.manager->valueForKey(QStringLiteral("screenType")).toInt(), 2);
         QCOMPARE(fixture.manager->valueForKey(QStringLiteral("screenIndex")).toInt(), index);
     }
@@ -186,22 +207,22 @@ private Q_SLOTS:
         };
 
         QVERIFY(!rebuilds());
-        Recording::screens() = { { QStringLiteral("other name"), left.frame } };
+        Recording::screens() = {{QStringLiteral("other name"), left.frame}};
         QVERIFY(!rebuilds()); // only the frames count
-        Recording::screens() = { left, right };
+        Recording::screens() = {left, right};
         QVERIFY(rebuilds());
-        Recording::screens() = { right, left };
+        Recording::screens() = {right, left};
         QVERIFY(!rebuilds());
-        Recording::screens() = { left, { QStringLiteral("right"), QRect(800, 0, 1024, 768) } };
+        Recording::screens() = {left, {QStringLiteral("right"), QRect(800, 0, 1024, 768)}};
         QVERIFY(rebuilds());
         Recording::screens() = {};
         QVERIFY(!rebuilds()); // no screens, no windows, no crash
         QVERIFY(!rebuilds());
-        Recording::screens() = { left };
+        Recording::screens() = {left};
         QVERIFY(rebuilds());
 
         fixture.preferences->setIsOpenPlayer(false);
-        Recording::screens() = { left, right };
+        Recording::screens() = {left, right};
         QVERIFY(!rebuilds());
     }
 
@@ -211,16 +232,16 @@ private Q_SLOTS:
         fixture.start();
 
         fixture.manager->setHideDesktopIcon(true);
-        QCOMPARE(Recording::take(), strings({ "window 1 level 18", "window 1 front" }));
+        QCOMPARE(Recording::take(), strings({"window 1 level 18", "window 1 front"}));
         Q_EMIT fixture.workspace.activeSpaceDidChange();
-        QCOMPARE(Recording::take(), strings({ "window 1 level 18", "window 1 front" }));
+        QCOMPARE(Recording::take(), strings({"window 1 level 18", "window 1 front"}));
 
         fixture.preferences->setIsOpenPlayer(false);
         Recording::take();
         fixture.manager->setHideDesktopIcon(false);
         QCOMPARE(Recording::take(), QStringList());
         fixture.preferences->setIsOpenPlayer(true);
-        QCOMPARE(Recording::take().mid(0, 2), strings({ "window 1 level 18", "window 1 back" }));
+        QCOMPARE(Recording::take().mid(0, 2), strings({"window 1 level 18", "window 1 back"}));
     }
 
     // -- playing
@@ -231,18 +252,22 @@ private Q_SLOTS:
         fixture.start();
 
         fixture.preferences->setIsPlaying(false);
-        QCOMPARE(Recording::take(), strings({ "player pause" }));
+        QCOMPARE(Recording::take(), strings({"player pause"}));
         fixture.preferences->setIsPlaying(true);
-        QCOMPARE(Recording::take(), strings({ "window 1 level 18", "window 1 back", "player play" }));
+        QCOMPARE(Recording::take(), strings({"window 1 level 18", "window 1 back", "player play"}));
         fixture.preferences->setIsOpenPlayer(false);
-        QCOMPARE(Recording::take(), strings({ "player pause", "window 1 out" }));
+        QCOMPARE(Recording::take(), strings({"player pause", "window 1 out"}));
         fixture.preferences->setIsOpenPlayer(true);
         QCOMPARE(Recording::take(),
-            strings({ "window 1 level 18", "window 1 back", "item a.mp4", "window 1 level 18",
-                "window 1 back", "player play" }));
+            strings({"window 1 level 18",
+                "window 1 back",
+                "item a.mp4",
+                "window 1 level 18",
+                "window 1 back",
+                "player play"}));
         fixture.preferences->setVolume(0.75F);
         fixture.preferences->setMute(true);
-        QCOMPARE(Recording::take(), strings({ "player volume 0.75", "player muted 1" }));
+        QCOMPARE(Recording::take(), strings({"player volume 0.75", "player muted 1"}));
     }
 
     void volumeWithoutAPlayer_makesNone()
@@ -262,8 +287,13 @@ private Q_SLOTS:
         fixture.poll();
 
         QCOMPARE(Recording::take(),
-            strings({ "player pause", "window 1 level 18", "window 1 back", "item b.mp4",
-                "window 1 level 18", "window 1 back", "player play" }));
+            strings({"player pause",
+                "window 1 level 18",
+                "window 1 back",
+                "item b.mp4",
+                "window 1 level 18",
+                "window 1 back",
+                "player play"}));
         fixture.preferences->setPlayingVideoSign(QStringLiteral("b"));
         QCOMPARE(Recording::take(), QStringList()); // it plays already
     }
@@ -276,7 +306,7 @@ private Q_SLOTS:
 
         fixture.preferences->setPlayingVideoSign(QStringLiteral("b"));
 
-        QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({ "a", "c" }));
+        QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({"a", "c"}));
         QCOMPARE(Recording::take(), QStringList());
         QCOMPARE(Fixture::playing(), QStringLiteral("a"));
     }
@@ -294,7 +324,7 @@ private Q_SLOTS:
 
         sqlite3_exec(writer, "rollback", nullptr, nullptr, nullptr);
         sqlite3_close(writer);
-        QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({ "a", "b", "c" }));
+        QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({"a", "b", "c"}));
     }
 
     void listReadWhileTheLibraryIsLocked_isReadAgain()
@@ -343,7 +373,7 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.start();
         fixture.endItem();
-        QCOMPARE(Recording::take(), strings({ "item seek 0" }));
+        QCOMPARE(Recording::take(), strings({"item seek 0"}));
     }
 
     void random_playsEveryVideoOnceAPass()
@@ -422,7 +452,7 @@ private Q_SLOTS:
     void oddButValidUrls_play()
     {
         QFETCH(QString, url);
-        Fixture fixture { QString() };
+        Fixture fixture{QString()};
         TemporaryHome::writeFile(fixture.home.path() + QStringLiteral("/映画 100%#.mp4"), "");
         fixture.addRow(QStringLiteral("x"), url.replace(QStringLiteral("%1"), fixture.home.path()));
 
@@ -449,7 +479,7 @@ private Q_SLOTS:
 
     void emptyLibrary_isSurvived()
     {
-        Fixture fixture { QString() };
+        Fixture fixture{QString()};
         fixture.start();
         fixture.endItem();
         fixture.preferences->setPlayModel(2);
@@ -467,7 +497,7 @@ private Q_SLOTS:
         fixture.endItem();
         QCOMPARE(Fixture::playing(), QStringLiteral("c"));
         // Failures with successes in between are not a reason to stop trying.
-        for (const auto* next : { "a", "b", "c" }) {
+        for (const auto* next : {"a", "b", "c"}) {
             Recording::failCurrentItem();
             QCOMPARE(Fixture::playing(), QLatin1String(next));
             fixture.endItem();

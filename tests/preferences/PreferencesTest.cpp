@@ -20,7 +20,8 @@ struct Fixture {
     {
         if (!contents.isNull())
             TemporaryHome::writeFile(home.suiteFile(), contents);
-        suite = PreferencesSuite::open(suiteName, home.container() + QStringLiteral("/Preferences"));
+        suite =
+            PreferencesSuite::open(suiteName, home.container() + QStringLiteral("/Preferences"));
         preferences = std::make_unique<Preferences>(*suite);
     }
 
@@ -29,7 +30,8 @@ struct Fixture {
     {
         const auto note = [this](const char* name) {
             return [this, name](const auto& value) {
-                changes << QStringLiteral("%1 %2").arg(QLatin1String(name), QVariant::fromValue(value).toString());
+                changes << QStringLiteral("%1 %2").arg(
+                    QLatin1String(name), QVariant::fromValue(value).toString());
             };
         };
         using P = Preferences;
@@ -38,12 +40,14 @@ struct Fixture {
         QObject::connect(preferences.get(), &P::playModelChanged, note("playModel"));
         QObject::connect(preferences.get(), &P::volumeChanged, note("volume"));
         QObject::connect(preferences.get(), &P::muteChanged, note("mute"));
-        QObject::connect(preferences.get(), &P::alreadyImportVideoChanged, note("alreadyImportVideo"));
+        QObject::connect(
+            preferences.get(), &P::alreadyImportVideoChanged, note("alreadyImportVideo"));
         QObject::connect(preferences.get(), &P::isOpenPlayerChanged, note("isOpenPlayer"));
         QObject::connect(preferences.get(), &P::isPlayingChanged, note("isPlaying"));
         QObject::connect(preferences.get(), &P::autolaunchChanged, note("autolaunch"));
         QObject::connect(preferences.get(), &P::playingVideoSignChanged, [this](const auto& sign) {
-            changes << QStringLiteral("playingVideoSign %1").arg(sign.value_or(QStringLiteral("none")));
+            changes
+                << QStringLiteral("playingVideoSign %1").arg(sign.value_or(QStringLiteral("none")));
         });
         return changes;
     }
@@ -62,7 +66,7 @@ QStringList strings(std::initializer_list<const char*> texts)
     return list;
 }
 
-}
+} // namespace
 
 class PreferencesTest : public QObject {
     Q_OBJECT
@@ -83,7 +87,8 @@ private Q_SLOTS:
         auto lines = TemporaryHome::contents(fixture.home.suiteFile()).trimmed().split('\n');
         std::ranges::sort(lines);
         QCOMPARE(lines.join('\n'),
-            "IsOpenPlayer=true\nMute=false\nVolume=0.5\n[General]\nautolaunch=true\nisPlaying=true");
+            "IsOpenPlayer=true\nMute=false\nVolume=0.5\n[General]\nautolaunch=true\nisPlaying="
+            "true");
     }
 
     void handEditedValues_readAsTheirTypeOrZero_data()
@@ -92,18 +97,29 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("property");
         QTest::addColumn<QVariant>("value");
 
-        QTest::newRow("a word is no number") << QByteArray("MonitorArrange=banana") << QByteArray("monitorArrange") << QVariant(0);
-        QTest::newRow("half a number is none") << QByteArray("PlayModel=2x") << QByteArray("playModel") << QVariant(0);
-        QTest::newRow("a number out of range stays") << QByteArray("PlayModel=-7") << QByteArray("playModel") << QVariant(-7);
-        QTest::newRow("beyond 64 bits is none") << QByteArray("ScreenIndex=99999999999999999999") << QByteArray("screenIndex") << QVariant(0);
-        QTest::newRow("a list is no number") << QByteArray("ScreenIndex=1, 2") << QByteArray("screenIndex") << QVariant(0);
-        QTest::newRow("a fruit is not true") << QByteArray("Mute=banana") << QByteArray("mute") << QVariant(false);
-        QTest::newRow("yes is true") << QByteArray("Mute=YES") << QByteArray("mute") << QVariant(true);
+        QTest::newRow("a word is no number")
+            << QByteArray("MonitorArrange=banana") << QByteArray("monitorArrange") << QVariant(0);
+        QTest::newRow("half a number is none")
+            << QByteArray("PlayModel=2x") << QByteArray("playModel") << QVariant(0);
+        QTest::newRow("a number out of range stays")
+            << QByteArray("PlayModel=-7") << QByteArray("playModel") << QVariant(-7);
+        QTest::newRow("beyond 64 bits is none") << QByteArray("ScreenIndex=99999999999999999999")
+                                                << QByteArray("screenIndex") << QVariant(0);
+        QTest::newRow("a list is no number")
+            << QByteArray("ScreenIndex=1, 2") << QByteArray("screenIndex") << QVariant(0);
+        QTest::newRow("a fruit is not true")
+            << QByteArray("Mute=banana") << QByteArray("mute") << QVariant(false);
+        QTest::newRow("yes is true")
+            << QByteArray("Mute=YES") << QByteArray("mute") << QVariant(true);
         QTest::newRow("1 is true") << QByteArray("Mute=1") << QByteArray("mute") << QVariant(true);
-        QTest::newRow("an empty flag is false") << QByteArray("IsOpenPlayer=") << QByteArray("isOpenPlayer") << QVariant(false);
-        QTest::newRow("a number of another locale is none") << QByteArray("Volume=\"0,7\"") << QByteArray("volume") << QVariant(0.0F);
-        QTest::newRow("another spelling is another key") << QByteArray("volume=0.9") << QByteArray("volume") << QVariant(0.5F);
-        QTest::newRow("blobs are nothing") << QByteArray("MonitorArrange=@ByteArray(1)") << QByteArray("monitorArrange") << QVariant(0);
+        QTest::newRow("an empty flag is false")
+            << QByteArray("IsOpenPlayer=") << QByteArray("isOpenPlayer") << QVariant(false);
+        QTest::newRow("a number of another locale is none")
+            << QByteArray("Volume=\"0,7\"") << QByteArray("volume") << QVariant(0.0F);
+        QTest::newRow("another spelling is another key")
+            << QByteArray("volume=0.9") << QByteArray("volume") << QVariant(0.5F);
+        QTest::newRow("blobs are nothing") << QByteArray("MonitorArrange=@ByteArray(1)")
+                                           << QByteArray("monitorArrange") << QVariant(0);
     }
 
     void handEditedValues_readAsTheirTypeOrZero()
@@ -121,7 +137,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QByteArray>("contents");
         QTest::newRow("empty") << QByteArray("");
-        QTest::newRow("binary") << QByteArray("\x00\xff\x7f" "ELF\x01=[\n\x00[[", 14);
+        QTest::newRow("binary") << QByteArray("\x00\xff\x7f"
+                                              "ELF\x01=[\n\x00[[",
+            14);
         QTest::newRow("prose") << QByteArray("dear diary\ntoday I edited a file\n");
     }
 
@@ -161,8 +179,8 @@ private Q_SLOTS:
         Fixture fixture;
         bool isConsistent = false;
         connect(fixture.preferences.get(), &Preferences::muteChanged, this, [&](bool value) {
-            isConsistent = value && fixture.preferences->mute()
-                && fixture.home.suiteValue(QStringLiteral("Mute")) == u"true";
+            isConsistent = value && fixture.preferences->mute() &&
+                           fixture.home.suiteValue(QStringLiteral("Mute")) == u"true";
         });
 
         fixture.preferences->setMute(true);
@@ -191,8 +209,14 @@ private Q_SLOTS:
         fixture.preferences->updateUserDefaultFromDisk();
 
         QCOMPARE(changes,
-            strings({ "monitorArrange 5", "screenIndex 1", "playModel 2", "volume 0.25", "mute true",
-                "alreadyImportVideo true", "isPlaying false", "autolaunch false" }));
+            strings({"monitorArrange 5",
+                "screenIndex 1",
+                "playModel 2",
+                "volume 0.25",
+                "mute true",
+                "alreadyImportVideo true",
+                "isPlaying false",
+                "autolaunch false"}));
     }
 
     void newSign_switchesOnAndPlays()
@@ -203,7 +227,7 @@ private Q_SLOTS:
         fixture.home.writeSuiteValue(QStringLiteral("CurrentVideoSign"), QStringLiteral("abc"));
         fixture.preferences->updateUserDefaultFromDisk();
 
-        QCOMPARE(changes, strings({ "playingVideoSign abc", "isOpenPlayer true", "isPlaying true" }));
+        QCOMPARE(changes, strings({"playingVideoSign abc", "isOpenPlayer true", "isPlaying true"}));
         QCOMPARE(fixture.home.suiteValue(QStringLiteral("IsOpenPlayer")), QStringLiteral("true"));
         QCOMPARE(fixture.home.suiteValue(QStringLiteral("isPlaying")), QStringLiteral("true"));
     }
@@ -217,7 +241,7 @@ private Q_SLOTS:
         fixture.preferences->updateUserDefaultFromDisk();
         fixture.preferences->updateUserDefaultFromDisk();
 
-        QCOMPARE(changes, strings({ "playingVideoSign " })); // once
+        QCOMPARE(changes, strings({"playingVideoSign "})); // once
         QCOMPARE(fixture.home.suiteValue(QStringLiteral("CurrentVideoSign")), QStringLiteral(""));
     }
 
@@ -229,7 +253,7 @@ private Q_SLOTS:
         fixture.home.writeSuiteValue(QStringLiteral("IsOpenPlayer"), QStringLiteral("true"));
         fixture.preferences->updateUserDefaultFromDisk();
 
-        QCOMPARE(changes, strings({ "isOpenPlayer true", "isPlaying true" }));
+        QCOMPARE(changes, strings({"isOpenPlayer true", "isPlaying true"}));
         QCOMPARE(fixture.home.suiteValue(QStringLiteral("isPlaying")), QStringLiteral("true"));
     }
 
@@ -250,7 +274,8 @@ private Q_SLOTS:
         for (int i = 0; i < 200; ++i) {
             const auto value = 10 + i % 80;
             fixture.preferences->setMonitorArrange(value);
-            fixture.home.writeSuiteValue(QStringLiteral("MonitorArrange"), QString::number(value + 1));
+            fixture.home.writeSuiteValue(
+                QStringLiteral("MonitorArrange"), QString::number(value + 1));
             fixture.preferences->updateUserDefaultFromDisk();
             QCOMPARE(fixture.preferences->monitorArrange(), value + 1);
         }
@@ -266,7 +291,7 @@ private Q_SLOTS:
         fixture.preferences->updateUserDefaultFromDisk();
 
         QVERIFY(std::isnan(fixture.preferences->volume()));
-        QCOMPARE(changes, strings({ "volume nan", "volume nan" }));
+        QCOMPARE(changes, strings({"volume nan", "volume nan"}));
     }
 
     void twoProcesses_loseNothingOfEachOther()
@@ -274,8 +299,10 @@ private Q_SLOTS:
         Fixture fixture;
         QProcess other;
         other.start(QCoreApplication::applicationDirPath() + QStringLiteral("/suite_writer"),
-            { suiteName, fixture.home.container() + QStringLiteral("/Preferences"),
-                QStringLiteral("theirs"), QStringLiteral("60") });
+            {suiteName,
+                fixture.home.container() + QStringLiteral("/Preferences"),
+                QStringLiteral("theirs"),
+                QStringLiteral("60")});
         QVERIFY(other.waitForStarted());
 
         qint64 ours = 0;
@@ -295,7 +322,8 @@ private Q_SLOTS:
         const TemporaryHome home;
         QDir().mkpath(home.suiteFile()); // a folder where the file belongs
 
-        QVERIFY(!PreferencesSuite::open(suiteName, home.container() + QStringLiteral("/Preferences")));
+        QVERIFY(
+            !PreferencesSuite::open(suiteName, home.container() + QStringLiteral("/Preferences")));
     }
 };
 

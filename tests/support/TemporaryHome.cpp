@@ -5,9 +5,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-TemporaryHome::TemporaryHome()
-    : m_dataHome(qgetenv("XDG_DATA_HOME"))
-    , m_home(qgetenv("HOME"))
+TemporaryHome::TemporaryHome() : m_dataHome(qgetenv("XDG_DATA_HOME")), m_home(qgetenv("HOME"))
 {
     qputenv("HOME", m_directory.path().toUtf8());
     qputenv("XDG_DATA_HOME", m_directory.filePath(QStringLiteral("share")).toUtf8());
@@ -60,7 +58,7 @@ QList<QByteArray> linesWithout(const QByteArray& text, const QByteArray& key)
     return lines;
 }
 
-}
+} // namespace
 
 void TemporaryHome::writeSuiteValue(const QString& key, const QString& value) const
 {

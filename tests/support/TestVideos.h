@@ -12,4 +12,4 @@ void makeHalves(const QString& path, const QString& left, const QString& right);
 /// Anything: the arguments between `ffmpeg -y` and the path.
 void make(const QString& path, const QStringList& arguments);
 
-}
+} // namespace TestVideos

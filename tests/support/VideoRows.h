@@ -22,4 +22,4 @@ void execute(const QString& databaseFile, const QString& sql);
 /// The signs in the file, in the table's order.
 QStringList signs(const QString& databaseFile);
 
-}
+} // namespace VideoRows

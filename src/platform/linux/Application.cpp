@@ -22,20 +22,21 @@ namespace {
 void requireDisplay()
 {
     if (xcb_connection_has_error(X11ConnectionHandle(xcb_connect(nullptr, nullptr)).get())) {
-        std::fputs("TavelorHelper needs an X11 display; DISPLAY names none that answers.\n", stderr);
+        std::fputs(
+            "TavelorHelper needs an X11 display; DISPLAY names none that answers.\n", stderr);
         std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no thread has been started
     }
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "xcb");
 }
 
-}
+} // namespace
 
 class Application::Body {
 public:
     Body(int& argc, char** argv, Application& application)
-        : qt((requireDisplay(), argc), argv)
-        , terminationSignals([&application] { application.terminate(); })
+        : qt((requireDisplay(), argc), argv),
+          terminationSignals([&application] { application.terminate(); })
     {
     }
 
@@ -44,8 +45,7 @@ public:
     QTimer screenChanges; // running while changes still come
 };
 
-Application::Application(int& argc, char** argv)
-    : m_body(std::make_unique<Body>(argc, argv, *this))
+Application::Application(int& argc, char** argv) : m_body(std::make_unique<Body>(argc, argv, *this))
 {
     std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): libmpv insists on it
     QGuiApplication::setQuitOnLastWindowClosed(false);
@@ -67,10 +67,11 @@ Application::Application(int& argc, char** argv)
     const auto screens = QGuiApplication::screens();
     for (auto* const screen : screens)
         follow(screen);
-    connect(&m_body->qt, &QGuiApplication::screenAdded, this, [follow, noteChange](QScreen* screen) {
-        follow(screen);
-        noteChange();
-    });
+    connect(
+        &m_body->qt, &QGuiApplication::screenAdded, this, [follow, noteChange](QScreen* screen) {
+            follow(screen);
+            noteChange();
+        });
     connect(&m_body->qt, &QGuiApplication::screenRemoved, this, noteChange);
     // A session that ends tells Qt, which quits: the same way out for all.
     connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, &Application::willTerminate);

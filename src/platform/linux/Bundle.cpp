@@ -9,9 +9,9 @@
 const Bundle& Bundle::main()
 {
     // From the executable itself and not from argv[0], which the caller of exec may choose.
-    static const Bundle bundle(
-        QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe"))).dir().absoluteFilePath(
-            QStringLiteral("../share/tavelor")));
+    static const Bundle bundle(QFileInfo(QFile::symLinkTarget(QStringLiteral("/proc/self/exe")))
+                                   .dir()
+                                   .absoluteFilePath(QStringLiteral("../share/tavelor")));
     return bundle;
 }
 

@@ -58,8 +58,7 @@ void DesktopWindow::addSubview(std::unique_ptr<PlayerLayerView> view)
 
 void DesktopWindow::Body::addSubview(std::unique_ptr<PlayerLayerView> view)
 {
-    view->body().setWindow(
-        { identifier(), m_size }, [this] { m_isClickBegun = true; });
+    view->body().setWindow({identifier(), m_size}, [this] { m_isClickBegun = true; });
     m_views.push_back(std::move(view));
 }
 
@@ -84,7 +83,7 @@ void DesktopWindow::Body::press(const QPoint& location)
 {
     m_isClickBegun = false;
     if (auto* const view = viewAt(location))
-        view->mouseDown({ location });
+        view->mouseDown({location});
 }
 
 void DesktopWindow::Body::release(const QPoint& location)
@@ -97,5 +96,5 @@ void DesktopWindow::Body::release(const QPoint& location)
 void DesktopWindow::Body::touch(const QPoint& location)
 {
     if (auto* const view = viewAt(location))
-        view->touchesBegan({ location });
+        view->touchesBegan({location});
 }

@@ -11,10 +11,7 @@
 /// display server's part is a subclass, chosen at run time.
 class DesktopWindow::Body {
 public:
-    explicit Body(const QSize& size)
-        : m_size(size)
-    {
-    }
+    explicit Body(const QSize& size) : m_size(size) {}
     virtual ~Body() = default;
     Body(const Body&) = delete;
     Body& operator=(const Body&) = delete;

@@ -44,12 +44,12 @@ std::optional<QString> accountHome()
     return QDir::cleanPath(home);
 }
 
-}
+} // namespace
 
 std::optional<QString> Directories::groupContainer(const QString& groupIdentifier)
 {
-    const auto data = baseDirectory(
-        "XDG_DATA_HOME", absolutePathIn("HOME"), QStringLiteral(".local/share"));
+    const auto data =
+        baseDirectory("XDG_DATA_HOME", absolutePathIn("HOME"), QStringLiteral(".local/share"));
     if (!data)
         return std::nullopt;
     return child(*data, groupIdentifier);
@@ -69,5 +69,5 @@ QStringList Directories::userDirectories(SearchPathDirectory directory)
         path = baseDirectory("XDG_CONFIG_HOME", accountHome(), QStringLiteral(".config"));
         break;
     }
-    return path ? QStringList { *path } : QStringList();
+    return path ? QStringList{*path} : QStringList();
 }

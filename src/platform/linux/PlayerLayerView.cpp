@@ -6,10 +6,7 @@
 
 #include <utility>
 
-PlayerLayerView::PlayerLayerView(const QRect& frame)
-    : m_body(std::make_unique<Body>(frame))
-{
-}
+PlayerLayerView::PlayerLayerView(const QRect& frame) : m_body(std::make_unique<Body>(frame)) {}
 
 PlayerLayerView::~PlayerLayerView() = default;
 
@@ -75,7 +72,8 @@ void PlayerLayerView::Body::setWindow(const BackingWindow& window, std::function
 void PlayerLayerView::Body::connectPicture()
 {
     if (m_player && m_window.identifier != 0)
-        m_player->body().renderThread().setSurface(this, { m_window.identifier, m_window.size, m_frame });
+        m_player->body().renderThread().setSurface(
+            this, {m_window.identifier, m_window.size, m_frame});
 }
 
 void PlayerLayerView::Body::redraw()

@@ -10,15 +10,12 @@
 /// The window that a view is in, as the render thread needs to know it.
 struct BackingWindow {
     std::uint32_t identifier = 0; ///< the display's name of the window; 0 for none
-    QSize size; ///< device pixels
+    QSize size;                   ///< device pixels
 };
 
 class PlayerLayerView::Body {
 public:
-    explicit Body(const QRect& frame)
-        : m_frame(frame)
-    {
-    }
+    explicit Body(const QRect& frame) : m_frame(frame) {}
     ~Body();
     Body(const Body&) = delete;
     Body& operator=(const Body&) = delete;

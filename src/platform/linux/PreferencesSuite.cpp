@@ -16,8 +16,7 @@
 
 class PreferencesSuite::Body {
 public:
-    explicit Body(const QString& path)
-        : settings(path, QSettings::IniFormat)
+    explicit Body(const QString& path) : settings(path, QSettings::IniFormat)
     {
         settings.setFallbacksEnabled(false);
     }
@@ -35,11 +34,12 @@ public:
         return std::nullopt;
     }
 
-    template <typename Number> void setNumber(const QString& key, Number value)
+    template <typename Number>
+    void setNumber(const QString& key, Number value)
     {
         // The shortest text that reads back as the same value; QSettings would store a float as
         // an unreadable blob.
-        std::array<char, 64> buffer {};
+        std::array<char, 64> buffer{};
         const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
         settings.setValue(key, QString::fromLatin1(buffer.data(), end - buffer.data()));
     }
@@ -51,7 +51,7 @@ public:
     void markReplacedFile()
     {
         const auto path = QFile::encodeName(settings.fileName());
-        struct stat status { };
+        struct stat status {};
         if (stat(path.constData(), &status) != 0)
             return;
         if (std::exchange(inode, status.st_ino) == status.st_ino)
@@ -59,8 +59,8 @@ public:
         const QDateTime changed = QFileInfo(settings.fileName()).lastModified();
         const auto moved = std::max(QDateTime::currentDateTime(), changed.addMSecs(1));
         const auto milliseconds = moved.toMSecsSinceEpoch();
-        const std::array times { timespec { 0, UTIME_OMIT },
-            timespec { milliseconds / 1000, milliseconds % 1000 * 1'000'000 } };
+        const std::array times{timespec{0, UTIME_OMIT},
+            timespec{milliseconds / 1000, milliseconds % 1000 * 1'000'000}};
         utimensat(AT_FDCWD, path.constData(), times.data(), 0);
     }
 
@@ -80,10 +80,7 @@ std::unique_ptr<PreferencesSuite> PreferencesSuite::open(
     return std::unique_ptr<PreferencesSuite>(new PreferencesSuite(std::make_unique<Body>(path)));
 }
 
-PreferencesSuite::PreferencesSuite(std::unique_ptr<Body> body)
-    : m_body(std::move(body))
-{
-}
+PreferencesSuite::PreferencesSuite(std::unique_ptr<Body> body) : m_body(std::move(body)) {}
 
 PreferencesSuite::~PreferencesSuite() = default;
 
@@ -150,6 +147,7 @@ void PreferencesSuite::synchronize()
     // The status never returns to "no error", so this line comes once.
     if (settings.status() == QSettings::AccessError && !m_body->hasReported) {
         m_body->hasReported = true;
-        std::fprintf(stderr, "cannot write preferences to %s\n", qUtf8Printable(settings.fileName()));
+        std::fprintf(
+            stderr, "cannot write preferences to %s\n", qUtf8Printable(settings.fileName()));
     }
 }

@@ -11,10 +11,10 @@ namespace {
 QRect deviceFrame(const QScreen& screen)
 {
     const auto geometry = screen.geometry();
-    return { geometry.topLeft(), (QSizeF(geometry.size()) * screen.devicePixelRatio()).toSize() };
+    return {geometry.topLeft(), (QSizeF(geometry.size()) * screen.devicePixelRatio()).toSize()};
 }
 
-}
+} // namespace
 
 std::vector<Screen> Screen::screens()
 {
@@ -26,7 +26,7 @@ std::vector<Screen> Screen::screens()
     for (const auto* screen : known) {
         if (screen->geometry().isEmpty())
             continue; // Qt's stand-in while no monitor is connected
-        screens.push_back({ screen->name(), frames.value(screen->name(), deviceFrame(*screen)) });
+        screens.push_back({screen->name(), frames.value(screen->name(), deviceFrame(*screen))});
     }
     return screens;
 }

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::array handledSignals { SIGTERM, SIGINT, SIGHUP };
+constexpr std::array handledSignals{SIGTERM, SIGINT, SIGHUP};
 
 int wakeDescriptor = -1; // where a handler, which may do next to nothing, leaves its word
 
@@ -26,7 +26,7 @@ void wake(int /*signal*/)
 
 void setHandler(void (*handler)(int))
 {
-    struct sigaction action { };
+    struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
@@ -34,7 +34,7 @@ void setHandler(void (*handler)(int))
         sigaction(signal, &action, nullptr);
 }
 
-}
+} // namespace
 
 TerminationSignals::TerminationSignals(std::function<void()> handler)
 {

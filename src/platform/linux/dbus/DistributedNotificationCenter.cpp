@@ -16,18 +16,21 @@ const auto path = QStringLiteral("/com/zemra/tavelor");
 const auto interfaceName = QStringLiteral("com.zemra.tavelor.DistributedNotification");
 const auto member = QStringLiteral("Posted");
 
-}
+} // namespace
 
 /// Hears every notification on the bus and hands it to the observers of its name.
 class DistributedNotificationCenter::Body : public QObject {
     Q_OBJECT
 
 public:
-    Body()
-        : bus(QDBusConnection::sessionBus())
+    Body() : bus(QDBusConnection::sessionBus())
     {
-        bus.connect(
-            QString(), path, interfaceName, member, this, SLOT(deliver(QString, QString, QVariantMap)));
+        bus.connect(QString(),
+            path,
+            interfaceName,
+            member,
+            this,
+            SLOT(deliver(QString, QString, QVariantMap)));
     }
 
     QDBusConnection bus;
@@ -48,10 +51,7 @@ DistributedNotificationCenter& DistributedNotificationCenter::defaultCenter()
     return center;
 }
 
-DistributedNotificationCenter::DistributedNotificationCenter()
-    : m_body(std::make_unique<Body>())
-{
-}
+DistributedNotificationCenter::DistributedNotificationCenter() : m_body(std::make_unique<Body>()) {}
 
 DistributedNotificationCenter::~DistributedNotificationCenter() = default;
 
@@ -70,7 +70,7 @@ void DistributedNotificationCenter::post(const QString& name)
 
     // Signals are written by a thread of Qt's, later. The bus answers in order, so its answer to
     // a call tells that the signal has left; a bus that hangs is not waited for.
-    constexpr std::chrono::milliseconds patience { 1000 };
+    constexpr std::chrono::milliseconds patience{1000};
     const auto flush = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
         QStringLiteral("/org/freedesktop/DBus"),
         QStringLiteral("org.freedesktop.DBus"),

@@ -15,4 +15,4 @@ Claim claim();
 /// Whether some process of this session owns it.
 bool isClaimed();
 
-}
+} // namespace SessionInstance

@@ -11,7 +11,7 @@
 /// Where the picture of one view goes.
 struct Surface {
     std::uint32_t window = 0; ///< the display's name of the window
-    QSize windowSize; ///< device pixels
+    QSize windowSize;         ///< device pixels
     QRect frame; ///< the view's, relative to the window; the picture is made in this size
 
     bool operator==(const Surface&) const = default;

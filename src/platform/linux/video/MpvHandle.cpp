@@ -14,45 +14,46 @@ namespace {
 using Option = std::pair<const char*, const char*>;
 
 constexpr Option options[] = {
-    { "vo", "libmpv" },
-    { "pause", "yes" },
-    { "idle", "yes" },
-    { "keep-open", "yes" },
-    { "keep-open-pause", "no" },
-    { "panscan", "1.0" },
-    { "sws-allow-zimg", "no" },
-    { "sws-fast", "yes" },
-    { "sws-scaler", "fast-bilinear" },
+    {"vo", "libmpv"},
+    {"pause", "yes"},
+    {"idle", "yes"},
+    {"keep-open", "yes"},
+    {"keep-open-pause", "no"},
+    {"panscan", "1.0"},
+    {"sws-allow-zimg", "no"},
+    {"sws-fast", "yes"},
+    {"sws-scaler", "fast-bilinear"},
     // Nothing but the file: no configuration, scripts, key bindings, neighbours, references to
     // other files or sites, subtitles or remembered positions.
-    { "config", "no" },
-    { "load-scripts", "no" },
-    { "ytdl", "no" },
-    { "osd-level", "0" },
-    { "sid", "no" },
-    { "sub-auto", "no" },
-    { "audio-file-auto", "no" },
-    { "cover-art-auto", "no" },
-    { "audio-display", "no" },
-    { "ordered-chapters", "no" },
-    { "access-references", "no" },
-    { "resume-playback", "no" },
-    { "input-default-bindings", "no" },
-    { "input-vo-keyboard", "no" },
-    { "terminal", "no" },
-    { "stop-screensaver", "no" },
-    { "audio-client-name", "TavelorHelper" },
+    {"config", "no"},
+    {"load-scripts", "no"},
+    {"ytdl", "no"},
+    {"osd-level", "0"},
+    {"sid", "no"},
+    {"sub-auto", "no"},
+    {"audio-file-auto", "no"},
+    {"cover-art-auto", "no"},
+    {"audio-display", "no"},
+    {"ordered-chapters", "no"},
+    {"access-references", "no"},
+    {"resume-playback", "no"},
+    {"input-default-bindings", "no"},
+    {"input-vo-keyboard", "no"},
+    {"terminal", "no"},
+    {"stop-screensaver", "no"},
+    {"audio-client-name", "TavelorHelper"},
     // A local file needs little read ahead.
-    { "cache", "no" },
-    { "demuxer-max-bytes", "8MiB" },
-    { "demuxer-max-back-bytes", "0" },
+    {"cache", "no"},
+    {"demuxer-max-bytes", "8MiB"},
+    {"demuxer-max-back-bytes", "0"},
 };
 
 /// Whether there is a device that could decode. Where there is none, looking for decoders would
 /// only load their libraries, at the cost of start-up time and memory, and print their complaints.
 bool hasGraphicsDevice()
 {
-    const auto renderNodes = QDir(QStringLiteral("/dev/dri")).entryList({ QStringLiteral("renderD*") }, QDir::System);
+    const auto renderNodes =
+        QDir(QStringLiteral("/dev/dri")).entryList({QStringLiteral("renderD*")}, QDir::System);
     return !renderNodes.isEmpty() || QFileInfo::exists(QStringLiteral("/dev/nvidiactl"));
 }
 
@@ -63,7 +64,7 @@ std::string decodingThreads()
     return std::to_string(std::clamp(std::thread::hardware_concurrency(), 1U, 8U));
 }
 
-}
+} // namespace
 
 MpvHandle Mpv::create()
 {
@@ -92,7 +93,8 @@ void Mpv::setDouble(mpv_handle* handle, const char* property, double value)
     mpv_set_property_async(handle, 0, property, MPV_FORMAT_DOUBLE, &value);
 }
 
-void Mpv::command(mpv_handle* handle, std::initializer_list<const char*> words, std::uint64_t request)
+void Mpv::command(
+    mpv_handle* handle, std::initializer_list<const char*> words, std::uint64_t request)
 {
     std::vector<const char*> arguments(words);
     arguments.push_back(nullptr);

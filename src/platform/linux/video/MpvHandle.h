@@ -21,6 +21,7 @@ MpvHandle create();
 void setFlag(mpv_handle* handle, const char* property, bool value);
 void setDouble(mpv_handle* handle, const char* property, double value);
 /// `request` comes back with the answer's event; 0 asks for none in particular.
-void command(mpv_handle* handle, std::initializer_list<const char*> words, std::uint64_t request = 0);
+void command(
+    mpv_handle* handle, std::initializer_list<const char*> words, std::uint64_t request = 0);
 
-}
+} // namespace Mpv

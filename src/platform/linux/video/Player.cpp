@@ -41,10 +41,9 @@ const mpv_node* child(const mpv_node& map, const char* key)
     return nullptr;
 }
 
-}
+} // namespace
 
-Player::Player(std::unique_ptr<PlayerItem> item)
-    : m_body(std::make_unique<Body>())
+Player::Player(std::unique_ptr<PlayerItem> item) : m_body(std::make_unique<Body>())
 {
     QObject::connect(m_body.get(), &Body::itemFailed, m_body.get(), [this] {
         currentItem()->setStatus(PlayerItem::Status::Failed);
@@ -102,9 +101,7 @@ PlayerItem* Player::currentItem() const
     return m_body->currentItem();
 }
 
-Player::Body::Body()
-    : m_core(Mpv::create())
-    , m_renderThread(m_core.get(), makePresenter)
+Player::Body::Body() : m_core(Mpv::create()), m_renderThread(m_core.get(), makePresenter)
 {
     mpv_observe_property(m_core.get(), 0, "eof-reached", MPV_FORMAT_FLAG);
     mpv_set_wakeup_callback(
@@ -158,7 +155,7 @@ void Player::Body::replaceCurrentItem(std::unique_ptr<PlayerItem> item)
     m_request = std::max(m_request + 1, firstLoad);
 
     if (!m_item) {
-        Mpv::command(m_core.get(), { "stop" });
+        Mpv::command(m_core.get(), {"stop"});
         return;
     }
     connect(m_item.get(), &PlayerItem::seekToZeroRequested, this, &Body::seekToZero);
@@ -171,7 +168,7 @@ void Player::Body::load()
     const auto path = m_item->url().toLocalFile();
     // libmpv would play the files of a folder and wait for ever on a pipe.
     if (!QFileInfo(path).isFile()) {
-        Mpv::command(m_core.get(), { "stop" });
+        Mpv::command(m_core.get(), {"stop"});
         const auto fail = [this, request = m_request] {
             if (request == m_request)
                 Q_EMIT itemFailed();
@@ -179,7 +176,7 @@ void Player::Body::load()
         QMetaObject::invokeMethod(this, fail, Qt::QueuedConnection);
         return;
     }
-    Mpv::command(m_core.get(), { "loadfile", QFile::encodeName(path).constData() }, m_request);
+    Mpv::command(m_core.get(), {"loadfile", QFile::encodeName(path).constData()}, m_request);
 }
 
 void Player::Body::seekToZero()
@@ -187,7 +184,7 @@ void Player::Body::seekToZero()
     if (!m_isLoaded)
         return;
     m_picturesBefore = m_renderThread.pictureCount();
-    Mpv::command(m_core.get(), { "seek", "0", "absolute+keyframes" });
+    Mpv::command(m_core.get(), {"seek", "0", "absolute+keyframes"});
 }
 
 void Player::Body::processEvents()
@@ -236,7 +233,7 @@ void Player::Body::handle(const mpv_event& event)
         if (!isOurs || (end.reason != MPV_END_FILE_REASON_ERROR && !isList))
             break;
         if (isList)
-            Mpv::command(m_core.get(), { "stop" });
+            Mpv::command(m_core.get(), {"stop"});
         fail();
         break;
     }

@@ -1,9 +1,6 @@
 #include "platform/PlayerItem.h"
 
-PlayerItem::PlayerItem(const QUrl& url)
-    : m_url(url)
-{
-}
+PlayerItem::PlayerItem(const QUrl& url) : m_url(url) {}
 
 QString PlayerItem::didPlayToEndTimeNotification()
 {

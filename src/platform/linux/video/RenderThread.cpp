@@ -21,8 +21,8 @@ using RenderContext = std::unique_ptr<mpv_render_context, RenderContextDeleter>;
 RenderContext createContext(mpv_handle* core, const char* api)
 {
     mpv_render_param parameters[] = {
-        { MPV_RENDER_PARAM_API_TYPE, const_cast<char*>(api) }, // read only, says render.h
-        { MPV_RENDER_PARAM_INVALID, nullptr },
+        {MPV_RENDER_PARAM_API_TYPE, const_cast<char*>(api)}, // read only, says render.h
+        {MPV_RENDER_PARAM_INVALID, nullptr},
     };
     mpv_render_context* context = nullptr;
     if (const int error = mpv_render_context_create(&context, core, parameters); error < 0)
@@ -36,18 +36,18 @@ void skipPicture(mpv_render_context& context)
     int yes = 1;
     int no = 0;
     mpv_render_param parameters[] = {
-        { MPV_RENDER_PARAM_SKIP_RENDERING, &yes },
-        { MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &no },
-        { MPV_RENDER_PARAM_INVALID, nullptr },
+        {MPV_RENDER_PARAM_SKIP_RENDERING, &yes},
+        {MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &no},
+        {MPV_RENDER_PARAM_INVALID, nullptr},
     };
     mpv_render_context_render(&context, parameters);
 }
 
-}
+} // namespace
 
 RenderThread::RenderThread(mpv_handle* core, PresenterFactory makePresenter)
-    : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
-    , m_coreStart(Clock::now() - std::chrono::microseconds(mpv_get_time_us(core)))
+    : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
+      m_coreStart(Clock::now() - std::chrono::microseconds(mpv_get_time_us(core)))
 {
     std::promise<void> started;
     auto isStarted = started.get_future();
@@ -56,9 +56,7 @@ RenderThread::RenderThread(mpv_handle* core, PresenterFactory makePresenter)
         auto presenter = make();
         const auto context = createContext(core, presenter->renderApi());
         mpv_render_context_set_update_callback(
-            context.get(),
-            [](void* self) { static_cast<RenderThread*>(self)->wake(); },
-            this);
+            context.get(), [](void* self) { static_cast<RenderThread*>(self)->wake(); }, this);
         started.set_value();
         loop(*context, *presenter);
         mpv_render_context_set_update_callback(context.get(), nullptr, nullptr);
@@ -119,7 +117,7 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
     // Before there is anything, the windows keep showing what was on the screen before them.
     enum class Content { Nothing, Picture, Black } content = Content::Nothing;
     bool isStale = false; // the canvases hold something else than `content`
-    Due due; // when the windows get what the canvases hold; none when they have it
+    Due due;              // when the windows get what the canvases hold; none when they have it
     for (;;) {
         waitForWork(presenter, due);
         presenter.dispatch();
@@ -146,8 +144,8 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
 
         // The core gives a picture ahead of its time. The one before it comes first.
         Due time = Clock::now();
-        if (!due && (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME)
-            && (!presenter.hasSurfaces() || presenter.isReady())) {
+        if (!due && (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME) &&
+            (!presenter.hasSurfaces() || presenter.isReady())) {
             ++m_pictureCount;
             time = timeOfNextPicture(context);
             if (!presenter.hasSurfaces())
@@ -168,8 +166,8 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
 
 RenderThread::Due RenderThread::timeOfNextPicture(mpv_render_context& context) const
 {
-    mpv_render_frame_info information {};
-    mpv_render_context_get_info(&context, { MPV_RENDER_PARAM_NEXT_FRAME_INFO, &information });
+    mpv_render_frame_info information{};
+    mpv_render_context_get_info(&context, {MPV_RENDER_PARAM_NEXT_FRAME_INFO, &information});
     const auto now = Clock::now();
     const auto target = m_coreStart + std::chrono::microseconds(information.target_time);
     // Never long, whatever a file's time stamps say: the core waits for its picture to be taken.
@@ -178,11 +176,11 @@ RenderThread::Due RenderThread::timeOfNextPicture(mpv_render_context& context) c
 
 void RenderThread::waitForWork(const FramePresenter& presenter, const Due& due) const
 {
-    std::array descriptors {
-        pollfd { m_wakeDescriptor, POLLIN, 0 },
-        pollfd { presenter.descriptor(), POLLIN, 0 },
+    std::array descriptors{
+        pollfd{m_wakeDescriptor, POLLIN, 0},
+        pollfd{presenter.descriptor(), POLLIN, 0},
     };
-    timespec timeout {};
+    timespec timeout{};
     if (due) {
         const auto left = std::max(*due - Clock::now(), Clock::duration::zero());
         timeout.tv_nsec = std::chrono::nanoseconds(left).count();
@@ -200,5 +198,5 @@ std::pair<RenderThread::Orders, std::vector<Surface>> RenderThread::takeOrders()
         for (const auto& [owner, surface] : m_surfaces)
             surfaces.push_back(surface);
     }
-    return { std::exchange(m_orders, {}), std::move(surfaces) };
+    return {std::exchange(m_orders, {}), std::move(surfaces)};
 }

@@ -10,7 +10,8 @@
 
 namespace {
 
-template <typename Event> const Event& as(const xcb_generic_event_t& event)
+template <typename Event>
+const Event& as(const xcb_generic_event_t& event)
 {
     return reinterpret_cast<const Event&>(event); // how xcb's events are meant to be read
 }
@@ -38,7 +39,7 @@ xcb_window_t windowOf(const xcb_generic_event_t& event)
     }
 }
 
-}
+} // namespace
 
 X11Connection* X11Connection::shared()
 {
@@ -53,8 +54,8 @@ X11Connection* X11Connection::shared()
 }
 
 X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
-    : m_connection(std::move(connection))
-    , m_notifier(xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read)
+    : m_connection(std::move(connection)),
+      m_notifier(xcb_get_file_descriptor(m_connection.get()), QSocketNotifier::Read)
 {
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(m_connection.get()));
     while (screenNumber-- > 0 && screens.rem > 1)
@@ -76,8 +77,8 @@ xcb_atom_t X11Connection::atom(const std::string& name)
 {
     const auto [entry, isNew] = m_atoms.try_emplace(name, XCB_ATOM_NONE);
     if (isNew) {
-        const auto cookie
-            = xcb_intern_atom(get(), 0, static_cast<std::uint16_t>(name.size()), name.c_str());
+        const auto cookie =
+            xcb_intern_atom(get(), 0, static_cast<std::uint16_t>(name.size()), name.c_str());
         if (const auto reply = own(xcb_intern_atom_reply(get(), cookie, nullptr)))
             entry->second = reply->atom;
     }
@@ -93,7 +94,7 @@ std::vector<std::uint32_t> X11Connection::property(
     if (!reply || reply->type != type || reply->format != 32)
         return {};
     const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return { values, values + reply->value_len };
+    return {values, values + reply->value_len};
 }
 
 Disposable X11Connection::watch(xcb_window_t window, EventHandler handler)

@@ -27,7 +27,8 @@ public:
     xcb_atom_t atom(const std::string& name);
 
     /// The 32-bit values of a property; empty when it is absent, of another type or format.
-    std::vector<std::uint32_t> property(xcb_window_t window, const std::string& name, xcb_atom_t type);
+    std::vector<std::uint32_t> property(
+        xcb_window_t window, const std::string& name, xcb_atom_t type);
 
     using EventHandler = std::function<void(const xcb_generic_event_t& event)>;
     /// Hands the core and input events of one window to `handler`; one handler a window.

@@ -8,10 +8,9 @@ namespace {
 constexpr std::uint8_t depth = 24; // the windows' (X11DesktopWindow)
 constexpr std::size_t bytesPerPixel = 4;
 
-}
+} // namespace
 
-X11CpuPresenter::X11CpuPresenter()
-    : m_connection(xcb_connect(nullptr, nullptr))
+X11CpuPresenter::X11CpuPresenter() : m_connection(xcb_connect(nullptr, nullptr))
 {
     if (const auto* shm = xcb_get_extension_data(m_connection.get(), &xcb_shm_id);
         shm && shm->present) {
@@ -26,19 +25,19 @@ int X11CpuPresenter::descriptor() const
 {
     // A broken connection's descriptor would be readable for ever; poll skips negative ones.
     return xcb_connection_has_error(m_connection.get())
-        ? -1
-        : xcb_get_file_descriptor(m_connection.get());
+               ? -1
+               : xcb_get_file_descriptor(m_connection.get());
 }
 
 void X11CpuPresenter::dispatch()
 {
     while (const auto event = own(xcb_poll_for_event(m_connection.get()))) {
-        const bool isCompletion = m_shmOpcode != 0
-            && (event->response_type & 0x7f) == m_shmFirstEvent + XCB_SHM_COMPLETION;
+        const bool isCompletion = m_shmOpcode != 0 && (event->response_type & 0x7f) ==
+                                                          m_shmFirstEvent + XCB_SHM_COMPLETION;
         // A window that is gone answers with an error instead.
         const auto& error = reinterpret_cast<const xcb_generic_error_t&>(*event);
-        const bool isRefusal = event->response_type == 0 && error.major_code == m_shmOpcode
-            && error.minor_code == XCB_SHM_PUT_IMAGE;
+        const bool isRefusal = event->response_type == 0 && error.major_code == m_shmOpcode &&
+                               error.minor_code == XCB_SHM_PUT_IMAGE;
         if (isCompletion || isRefusal)
             --m_unconfirmedPictures;
     }
@@ -63,8 +62,8 @@ void X11CpuPresenter::setSurfaces(const std::vector<Surface>& surfaces)
             return ready->get();
         const auto old = std::ranges::find_if(kept, hasSize);
         m_canvases.push_back(old != kept.end()
-                ? std::move(*old)
-                : std::make_unique<SharedCanvas>(m_connection.get(), size));
+                                 ? std::move(*old)
+                                 : std::make_unique<SharedCanvas>(m_connection.get(), size));
         return m_canvases.back().get();
     };
 
@@ -74,11 +73,11 @@ void X11CpuPresenter::setSurfaces(const std::vector<Surface>& surfaces)
             continue;
         const auto graphics = xcb_generate_id(m_connection.get());
         xcb_create_gc(m_connection.get(), graphics, surface.window, 0, nullptr);
-        m_targets.push_back({ surface.window,
+        m_targets.push_back({surface.window,
             graphics,
             canvasOf(surface.frame.size()),
             visible.translated(-surface.frame.topLeft()),
-            visible.topLeft() });
+            visible.topLeft()});
     }
     xcb_flush(m_connection.get());
 }
@@ -86,17 +85,17 @@ void X11CpuPresenter::setSurfaces(const std::vector<Surface>& surfaces)
 void X11CpuPresenter::draw(mpv_render_context& context)
 {
     for (const auto& canvas : m_canvases) {
-        int size[] = { canvas->size().width(), canvas->size().height() };
+        int size[] = {canvas->size().width(), canvas->size().height()};
         char format[] = "bgr0";
         auto stride = canvas->stride();
         int doNotBlock = 0;
         mpv_render_param parameters[] = {
-            { MPV_RENDER_PARAM_SW_SIZE, size },
-            { MPV_RENDER_PARAM_SW_FORMAT, format },
-            { MPV_RENDER_PARAM_SW_STRIDE, &stride },
-            { MPV_RENDER_PARAM_SW_POINTER, canvas->pixels() },
-            { MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &doNotBlock },
-            { MPV_RENDER_PARAM_INVALID, nullptr },
+            {MPV_RENDER_PARAM_SW_SIZE, size},
+            {MPV_RENDER_PARAM_SW_FORMAT, format},
+            {MPV_RENDER_PARAM_SW_STRIDE, &stride},
+            {MPV_RENDER_PARAM_SW_POINTER, canvas->pixels()},
+            {MPV_RENDER_PARAM_BLOCK_FOR_TARGET_TIME, &doNotBlock},
+            {MPV_RENDER_PARAM_INVALID, nullptr},
         };
         mpv_render_context_render(&context, parameters);
     }
@@ -146,9 +145,9 @@ void X11CpuPresenter::sendPixels(const Target& target)
 {
     const auto rowBytes = static_cast<std::size_t>(target.source.width()) * bytesPerPixel;
     constexpr std::size_t header = 64;
-    const auto longest = std::size_t { xcb_get_maximum_request_length(m_connection.get()) } * 4;
-    const auto rowsInStrip
-        = static_cast<int>(std::max<std::size_t>(1, (longest - header) / rowBytes));
+    const auto longest = std::size_t{xcb_get_maximum_request_length(m_connection.get())} * 4;
+    const auto rowsInStrip =
+        static_cast<int>(std::max<std::size_t>(1, (longest - header) / rowBytes));
 
     std::vector<std::uint8_t> strip;
     for (int first = 0; first < target.source.height(); first += rowsInStrip) {

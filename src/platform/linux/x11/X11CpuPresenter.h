@@ -29,7 +29,7 @@ private:
         xcb_window_t window;
         xcb_gcontext_t graphics;
         SharedCanvas* canvas;
-        QRect source; ///< in the canvas
+        QRect source;       ///< in the canvas
         QPoint destination; ///< in the window
     };
 

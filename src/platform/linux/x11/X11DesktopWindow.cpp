@@ -44,11 +44,11 @@ PictureVisual pictureVisual(const xcb_screen_t& screen)
         for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0;
              xcb_visualtype_next(&visual)) {
             const auto& type = *visual.data;
-            if (type._class != XCB_VISUAL_CLASS_TRUE_COLOR || type.red_mask != 0xff0000
-                || type.green_mask != 0xff00 || type.blue_mask != 0xff)
+            if (type._class != XCB_VISUAL_CLASS_TRUE_COLOR || type.red_mask != 0xff0000 ||
+                type.green_mask != 0xff00 || type.blue_mask != 0xff)
                 continue;
             if (found.identifier == XCB_NONE || type.visual_id == screen.root_visual)
-                found = { type.visual_id, depth.data->depth };
+                found = {type.visual_id, depth.data->depth};
         }
     }
     return found;
@@ -60,13 +60,14 @@ bool selectTouches(xcb_connection_t* connection, xcb_window_t window)
 {
     const auto version = own(xcb_input_xi_query_version_reply(
         connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
-    if (!version || version->major_version < 2
-        || (version->major_version == 2 && version->minor_version < 2))
+    if (!version || version->major_version < 2 ||
+        (version->major_version == 2 && version->minor_version < 2))
         return false;
     struct {
-        xcb_input_event_mask_t header { XCB_INPUT_DEVICE_ALL_MASTER, 1 };
-        std::uint32_t mask = XCB_INPUT_XI_EVENT_MASK_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_TOUCH_UPDATE
-            | XCB_INPUT_XI_EVENT_MASK_TOUCH_END; // the protocol wants all three or none
+        xcb_input_event_mask_t header{XCB_INPUT_DEVICE_ALL_MASTER, 1};
+        std::uint32_t mask =
+            XCB_INPUT_XI_EVENT_MASK_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_TOUCH_UPDATE |
+            XCB_INPUT_XI_EVENT_MASK_TOUCH_END; // the protocol wants all three or none
     } selection;
     xcb_input_xi_select_events(connection, window, 1, &selection.header);
     return true;
@@ -74,12 +75,10 @@ bool selectTouches(xcb_connection_t* connection, xcb_window_t window)
 
 constexpr std::uint8_t primaryButton = 1;
 
-}
+} // namespace
 
 X11DesktopWindow::X11DesktopWindow(const QRect& frame)
-    : Body(frame.size())
-    , m_connection(connection())
-    , m_windowManager(windowManager())
+    : Body(frame.size()), m_connection(connection()), m_windowManager(windowManager())
 {
     create(frame);
     describe(frame);
@@ -103,14 +102,15 @@ void X11DesktopWindow::create(const QRect& frame)
         qFatal("The display has no 24-bit true-colour visual.");
 
     const auto colormap = xcb_generate_id(x11);
-    xcb_create_colormap(x11, XCB_COLORMAP_ALLOC_NONE, colormap, m_connection.root(), visual.identifier);
+    xcb_create_colormap(
+        x11, XCB_COLORMAP_ALLOC_NONE, colormap, m_connection.root(), visual.identifier);
     m_window = xcb_generate_id(x11);
     // No background: the server then leaves on the screen what was there until the first picture
     // comes, instead of flashing a colour.
-    const std::array<std::uint32_t, 4> values { XCB_BACK_PIXMAP_NONE,
+    const std::array<std::uint32_t, 4> values{XCB_BACK_PIXMAP_NONE,
         0, // border pixel, because the depth may differ from the root's
         XCB_EVENT_MASK_EXPOSURE,
-        colormap };
+        colormap};
     xcb_create_window(x11,
         visual.depth,
         m_window,
@@ -133,22 +133,25 @@ void X11DesktopWindow::describe(const QRect& frame)
     setProperty("WM_CLASS", XCB_ATOM_STRING, "tavelorhelper\0TavelorHelper\0"s);
     setProperty("_NET_WM_NAME", m_connection.atom("UTF8_STRING"), "TavelorHelper"s);
     setProperty("WM_CLIENT_MACHINE", XCB_ATOM_STRING, QSysInfo::machineHostName().toStdString());
-    setProperty("_NET_WM_PID", XCB_ATOM_CARDINAL,
-        std::vector<std::uint32_t> { static_cast<std::uint32_t>(getpid()) });
-    setProperty("_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
-        std::vector { m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP") });
+    setProperty("_NET_WM_PID",
+        XCB_ATOM_CARDINAL,
+        std::vector<std::uint32_t>{static_cast<std::uint32_t>(getpid())});
+    setProperty("_NET_WM_WINDOW_TYPE",
+        XCB_ATOM_ATOM,
+        std::vector{m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP")});
     // Motif's way of asking for no frame; some window managers put one around any type.
     constexpr std::uint32_t decorationsAreGiven = 2;
-    setProperty("_MOTIF_WM_HINTS", m_connection.atom("_MOTIF_WM_HINTS"),
-        std::vector<std::uint32_t> { decorationsAreGiven, 0, 0, 0, 0 });
+    setProperty("_MOTIF_WM_HINTS",
+        m_connection.atom("_MOTIF_WM_HINTS"),
+        std::vector<std::uint32_t>{decorationsAreGiven, 0, 0, 0, 0});
 
-    xcb_icccm_wm_hints_t hints {};
+    xcb_icccm_wm_hints_t hints{};
     xcb_icccm_wm_hints_set_input(&hints, 0);
     xcb_icccm_wm_hints_set_normal(&hints);
     xcb_icccm_set_wm_hints(m_connection.get(), m_window, &hints);
 
     // Without them a window manager may place the window on another monitor.
-    xcb_size_hints_t size {};
+    xcb_size_hints_t size{};
     xcb_icccm_size_hints_set_position(&size, 1, frame.x(), frame.y());
     xcb_icccm_size_hints_set_size(&size, 1, frame.width(), frame.height());
     xcb_icccm_size_hints_set_win_gravity(&size, XCB_GRAVITY_STATIC);
@@ -157,8 +160,8 @@ void X11DesktopWindow::describe(const QRect& frame)
 
 void X11DesktopWindow::listen()
 {
-    m_events = m_connection.watch(
-        m_window, [this](const xcb_generic_event_t& event) { handle(event); });
+    m_events =
+        m_connection.watch(m_window, [this](const xcb_generic_event_t& event) { handle(event); });
     // A grab and not an event mask: the other buttons then reach the root window, and with it the
     // menus that window managers open there.
     xcb_grab_button(m_connection.get(),
@@ -172,13 +175,13 @@ void X11DesktopWindow::listen()
         primaryButton,
         XCB_MOD_MASK_ANY);
     selectTouches(m_connection.get(), m_window);
-    m_managerChanges
-        = observe(m_windowManager, &X11WindowManager::knowsDesktopWindowsChanged, [this] {
-              if (const auto order = m_order) {
-                  hide();
-                  show(*order);
-              }
-          });
+    m_managerChanges =
+        observe(m_windowManager, &X11WindowManager::knowsDesktopWindowsChanged, [this] {
+            if (const auto order = m_order) {
+                hide();
+                show(*order);
+            }
+        });
 }
 
 void X11DesktopWindow::handle(const xcb_generic_event_t& event)
@@ -186,24 +189,24 @@ void X11DesktopWindow::handle(const xcb_generic_event_t& event)
     switch (event.response_type & 0x7f) {
     case XCB_EXPOSE: {
         const auto& area = reinterpret_cast<const xcb_expose_event_t&>(event);
-        expose({ area.x, area.y, area.width, area.height });
+        expose({area.x, area.y, area.width, area.height});
         break;
     }
     case XCB_BUTTON_PRESS: {
         const auto& button = reinterpret_cast<const xcb_button_press_event_t&>(event);
-        press({ button.event_x, button.event_y });
+        press({button.event_x, button.event_y});
         break;
     }
     case XCB_BUTTON_RELEASE: {
         const auto& button = reinterpret_cast<const xcb_button_release_event_t&>(event);
-        release({ button.event_x, button.event_y });
+        release({button.event_x, button.event_y});
         break;
     }
     case XCB_GE_GENERIC: {
         const auto& touched = reinterpret_cast<const xcb_input_touch_begin_event_t&>(event);
         constexpr int fraction = 65536; // FP1616
         if (touched.event_type == XCB_INPUT_TOUCH_BEGIN)
-            touch({ touched.event_x / fraction, touched.event_y / fraction });
+            touch({touched.event_x / fraction, touched.event_y / fraction});
         break;
     }
     default:
@@ -215,12 +218,13 @@ void X11DesktopWindow::setCollectionBehavior(WindowCollectionBehavior behavior)
 {
     if (contains(behavior, WindowCollectionBehavior::CanJoinAllSpaces)) {
         constexpr std::uint32_t allDesktops = 0xffffffff;
-        setProperty("_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, std::vector { allDesktops });
+        setProperty("_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, std::vector{allDesktops});
     }
     if (contains(behavior, WindowCollectionBehavior::Transient)) {
-        setProperty("_NET_WM_STATE", XCB_ATOM_ATOM,
-            std::vector { m_connection.atom("_NET_WM_STATE_SKIP_TASKBAR"),
-                m_connection.atom("_NET_WM_STATE_SKIP_PAGER") });
+        setProperty("_NET_WM_STATE",
+            XCB_ATOM_ATOM,
+            std::vector{m_connection.atom("_NET_WM_STATE_SKIP_TASKBAR"),
+                m_connection.atom("_NET_WM_STATE_SKIP_PAGER")});
     }
 }
 
@@ -244,8 +248,7 @@ void X11DesktopWindow::map()
 {
     m_isManaged = m_windowManager.knowsDesktopWindows();
     const std::uint32_t bypasses = m_isManaged ? 0 : 1;
-    xcb_change_window_attributes(
-        m_connection.get(), m_window, XCB_CW_OVERRIDE_REDIRECT, &bypasses);
+    xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_OVERRIDE_REDIRECT, &bypasses);
     // Below everything from the first moment; who maps in front is raised afterwards.
     restack(Order::Back);
     xcb_map_window(m_connection.get(), m_window);
@@ -270,7 +273,7 @@ void X11DesktopWindow::hide()
     xcb_unmap_window(m_connection.get(), m_window);
     if (m_isManaged) {
         // Tells the window manager that it is meant for good (ICCCM 4.1.4).
-        xcb_unmap_notify_event_t notice {};
+        xcb_unmap_notify_event_t notice{};
         notice.response_type = XCB_UNMAP_NOTIFY;
         notice.event = m_connection.root();
         notice.window = m_window;

@@ -35,7 +35,7 @@ private:
     X11Connection& m_connection;
     X11WindowManager& m_windowManager;
     xcb_window_t m_window = XCB_NONE;
-    bool m_isManaged = false; // as it was last mapped
+    bool m_isManaged = false;     // as it was last mapped
     std::optional<Order> m_order; // none while hidden
     std::optional<Disposable> m_events;
     std::optional<Disposable> m_managerChanges;

@@ -8,16 +8,22 @@
 /// Owners of what xcb hands out.
 struct X11Deleter {
     void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-    template <typename Reply> void operator()(Reply* reply) const { std::free(reply); } // NOLINT(cppcoreguidelines-no-malloc): xcb allocates with malloc
+    template <typename Reply>
+    void operator()(Reply* reply) const
+    {
+        std::free(reply);
+    } // NOLINT(cppcoreguidelines-no-malloc): xcb allocates with malloc
 };
 
 using X11ConnectionHandle = std::unique_ptr<xcb_connection_t, X11Deleter>;
 
 /// A reply, an event or an error.
-template <typename Reply> using X11Reply = std::unique_ptr<Reply, X11Deleter>;
+template <typename Reply>
+using X11Reply = std::unique_ptr<Reply, X11Deleter>;
 
 /// Takes a reply that xcb allocated. Usage: `own(xcb_..._reply(connection, cookie, nullptr))`.
-template <typename Reply> X11Reply<Reply> own(Reply* reply)
+template <typename Reply>
+X11Reply<Reply> own(Reply* reply)
 {
     return X11Reply<Reply>(reply);
 }

@@ -23,8 +23,8 @@ QHash<QString, QRect> X11Monitors::frames()
     for (auto monitor = xcb_randr_get_monitors_monitors_iterator(monitors.get()); monitor.rem > 0;
          xcb_randr_monitor_info_next(&monitor)) {
         const auto& information = *monitor.data;
-        pending.push_back({ xcb_get_atom_name(x11->get(), information.name),
-            QRect(information.x, information.y, information.width, information.height) });
+        pending.push_back({xcb_get_atom_name(x11->get(), information.name),
+            QRect(information.x, information.y, information.width, information.height)});
     }
     QHash<QString, QRect> frames;
     for (const auto& [cookie, frame] : pending) {

@@ -10,4 +10,4 @@ namespace X11Monitors {
 /// Empty where there is no X11 display or it does not know about monitors.
 QHash<QString, QRect> frames();
 
-}
+} // namespace X11Monitors

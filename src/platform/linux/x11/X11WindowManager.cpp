@@ -5,8 +5,7 @@
 
 using namespace std::chrono_literals;
 
-X11WindowManager::X11WindowManager(X11Connection& connection)
-    : m_connection(connection)
+X11WindowManager::X11WindowManager(X11Connection& connection) : m_connection(connection)
 {
     probe();
     m_settling.setSingleShot(true);
@@ -18,8 +17,8 @@ X11WindowManager::X11WindowManager(X11Connection& connection)
             Q_EMIT knowsDesktopWindowsChanged();
     });
     connect(&m_connection, &X11Connection::rootPropertyChanged, this, [this](quint32 atom) {
-        if (atom == m_connection.atom("_NET_SUPPORTING_WM_CHECK")
-            || atom == m_connection.atom("_NET_SUPPORTED"))
+        if (atom == m_connection.atom("_NET_SUPPORTING_WM_CHECK") ||
+            atom == m_connection.atom("_NET_SUPPORTED"))
             m_settling.start();
     });
 }
@@ -28,13 +27,14 @@ X11WindowManager::X11WindowManager(X11Connection& connection)
 /// leftover of one that crashed, on itself.
 xcb_window_t X11WindowManager::checkWindow()
 {
-    const auto named
-        = m_connection.property(m_connection.root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW);
+    const auto named =
+        m_connection.property(m_connection.root(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW);
     if (named.empty())
         return XCB_NONE;
-    return m_connection.property(named.front(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW) == named
-        ? named.front()
-        : XCB_NONE;
+    return m_connection.property(named.front(), "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW) ==
+                   named
+               ? named.front()
+               : XCB_NONE;
 }
 
 void X11WindowManager::probe()
@@ -53,8 +53,9 @@ void X11WindowManager::probe()
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection.get(), window, XCB_CW_EVENT_MASK, &events);
 
-    const auto supported
-        = m_connection.property(m_connection.root(), "_NET_SUPPORTED", XCB_ATOM_ATOM);
-    m_knowsDesktopWindows = std::ranges::find(supported, m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP"))
-        != supported.end();
+    const auto supported =
+        m_connection.property(m_connection.root(), "_NET_SUPPORTED", XCB_ATOM_ATOM);
+    m_knowsDesktopWindows =
+        std::ranges::find(supported, m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP")) !=
+        supported.end();
 }
