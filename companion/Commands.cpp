@@ -7,7 +7,7 @@
 #include "library/LocalVideoDBManager.h"
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/PreferencesSuite.h"
-#include "platform/linux/dbus/SessionInstance.h"
+#include "platform/SessionInstance.h"
 #include "preferences/Preferences.h"
 
 #include <QDir>
@@ -65,7 +65,8 @@ public:
     {
         if (m_library)
             return *m_library;
-        auto database = LocalVideoDBManager::makeDatabase(AppInfo::shared(), Bundle::main());
+        auto database =
+            LocalVideoDBManager::makeDatabase(AppInfo::shared(), Bundle::main(), stderr);
         const auto path = database.databasePath();
         m_library.emplace(std::move(database));
         if (m_library->failure())
@@ -191,17 +192,19 @@ ExitStatus import(Companion& companion, const Arguments& arguments)
             {"title", facts.title}});
         if (!arguments.isJson) {
             print(QStringLiteral("%1  %2  %3 (%4×%5, %6)")
-                      .arg(facts.sign, outcomeText(outcome), facts.title)
-                      .arg(facts.width)
-                      .arg(facts.height)
-                      .arg(lengthText(facts.seconds)));
+                      .arg(facts.sign,
+                          outcomeText(outcome),
+                          facts.title,
+                          QString::number(facts.width),
+                          QString::number(facts.height),
+                          lengthText(facts.seconds)));
         }
     }
     if (arguments.isJson)
         print(QJsonDocument(results));
     if (hasChanged) {
-        companion.preferences().setAlreadyImportVideo(true);
         Companion::announceLibrary();
+        companion.preferences().setAlreadyImportVideo(true);
     }
     return hasFailed ? ExitStatus::Failed : ExitStatus::Done;
 }
@@ -265,14 +268,13 @@ ExitStatus choose(Companion& companion, const Arguments& arguments)
 {
     const auto entry = entryOfPrefix(companion, arguments.words.constFirst());
     auto& preferences = companion.preferences();
-    // The helper switches on for a new sign by itself. For the one that it has, it would not.
-    if (preferences.playingVideoSign() == entry.sign) {
-        if (!preferences.isOpenPlayer())
-            preferences.setIsOpenPlayer(true);
-        if (!preferences.isPlaying())
-            preferences.setIsPlaying(true);
-    }
     preferences.setPlayingVideoSign(entry.sign);
+    // A running helper does the same for a new sign, but not for the one that it has, and one
+    // that starts later does what it finds.
+    if (!preferences.isOpenPlayer())
+        preferences.setIsOpenPlayer(true);
+    if (!preferences.isPlaying())
+        preferences.setIsPlaying(true);
     return ExitStatus::Done;
 }
 

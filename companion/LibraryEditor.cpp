@@ -1,7 +1,8 @@
 #include "companion/LibraryEditor.h"
 
+#include "library/VideoUrl.h"
+
 #include <QDateTime>
-#include <QFileInfo>
 
 #include <utility>
 
@@ -72,7 +73,7 @@ std::optional<std::vector<LibraryEditor::Entry>> LibraryEditor::entries()
     while (rows->next()) {
         entries.push_back({rows->stringForColumn(sign),
             rows->stringForColumn(title),
-            QUrl(rows->stringForColumn(url)),
+            videoUrl(rows->stringForColumn(url)).value_or(QUrl()),
             rows->intForColumn(time),
             rows->stringForColumn(size).toLongLong(), // may be more than 32 bits
             rows->intForColumn(width),
@@ -90,9 +91,9 @@ LibraryEditor::Outcome LibraryEditor::add(const VideoFacts& facts, const QUrl& u
     if (!known)
         return Outcome::Failed;
     if (known->next()) {
-        const QUrl knownUrl(known->stringForColumn(0));
+        const auto knownUrl = videoUrl(known->stringForColumn(0));
         known.reset(); // or the update would wait for its own reader
-        if (QFileInfo::exists(knownUrl.toLocalFile()))
+        if (knownUrl && videoFileExists(*knownUrl))
             return Outcome::AlreadyThere;
         const bool isMoved = m_database.executeUpdate(
             QStringLiteral("update LocalVideos set url = ? where sign = ?"),

@@ -3,7 +3,8 @@
 int main(int argc, char** argv)
 {
     // Static, so that it is destroyed after the shared components, which come into being later.
-    static Application application(argc, argv);
+    static int argumentCount = argc; // Qt keeps a reference to it
+    static Application application(argumentCount, argv);
     const AppDelegate delegate(application);
     return application.run();
 }

@@ -61,7 +61,9 @@ QUrl AppInfo::directoryUrl(SearchPathDirectory directory) const
     return QUrl::fromLocalFile(path);
 }
 
-QUrl AppInfo::applicationSupportDirectory() const
+const QUrl& AppInfo::applicationSupportDirectory() const
 {
-    return directoryUrl(SearchPathDirectory::ApplicationSupport);
+    if (!m_applicationSupportDirectory)
+        m_applicationSupportDirectory = directoryUrl(SearchPathDirectory::ApplicationSupport);
+    return *m_applicationSupportDirectory;
 }

@@ -29,10 +29,12 @@ public:
     /// where there is one, else in the user's own directory of that kind, under this program's
     /// name; without either the program cannot run.
     QUrl directoryUrl(SearchPathDirectory directory) const;
-    QUrl applicationSupportDirectory() const;
+    /// Looked up once.
+    const QUrl& applicationSupportDirectory() const;
 
 private:
     const Bundle& m_bundle;
     QString m_version;
     QString m_displayVersion;
+    mutable std::optional<QUrl> m_applicationSupportDirectory;
 };

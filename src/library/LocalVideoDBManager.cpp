@@ -2,15 +2,14 @@
 
 #include <QFile>
 
-#include <cstdio>
 #include <utility>
 
 namespace {
 
-void printLine(const QString& line)
+void printLine(const QString& line, std::FILE* stream = stdout)
 {
-    std::puts(qUtf8Printable(line));
-    std::fflush(stdout); // somebody may be reading along through a pipe
+    std::fprintf(stream, "%s\n", qUtf8Printable(line));
+    std::fflush(stream); // somebody may be reading along through a pipe
 }
 
 /// Where the query has each column of the table.
@@ -95,7 +94,8 @@ LocalVideoDBManager::LocalVideoDBManager(const AppInfo& appInfo, const Bundle& b
         printLine(QStringLiteral("db open failure"));
 }
 
-Database LocalVideoDBManager::makeDatabase(const AppInfo& appInfo, const Bundle& bundle)
+Database LocalVideoDBManager::makeDatabase(
+    const AppInfo& appInfo, const Bundle& bundle, std::FILE* diagnostics)
 {
     const auto path =
         appInfo.applicationSupportDirectory().toLocalFile() + QStringLiteral("/Fendix.db");
@@ -104,7 +104,7 @@ Database LocalVideoDBManager::makeDatabase(const AppInfo& appInfo, const Bundle&
                 bundle.pathForResource(QStringLiteral("Fendix"), QStringLiteral("db"))) {
             QFile file(*seed);
             if (!file.copy(path))
-                printLine(file.errorString());
+                printLine(file.errorString(), diagnostics);
             else // the seed may be read-only, in a package for instance; the library is not
                 QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
         }

@@ -4,6 +4,7 @@
 #include "library/Database.h"
 #include "service/VideoDetail.h"
 
+#include <cstdio>
 #include <deque>
 #include <optional>
 
@@ -20,8 +21,9 @@ public:
     LocalVideoDBManager(const AppInfo& appInfo, const Bundle& bundle);
 
     /// The database at its place in the group container, not opened yet. The first time it is
-    /// copied there from the bundle.
-    static Database makeDatabase(const AppInfo& appInfo, const Bundle& bundle);
+    /// copied there from the bundle; why that failed, if it does, goes to `diagnostics`.
+    static Database makeDatabase(
+        const AppInfo& appInfo, const Bundle& bundle, std::FILE* diagnostics = stdout);
 
     /// Every row, in the table's order. (A deque, because records are not moved but copied, and a
     /// growing vector would copy them again and again.)

@@ -6,7 +6,8 @@
 
 /// Plays one item at a time, decoded once however many views show it. New players are paused.
 ///
-/// No call blocks on the file or the decoder: the effects come in order, soon. Main thread only.
+/// No call waits for the decoder: the effects come in order, soon. A new item's file is looked up
+/// at once, which takes as long as its file system takes. Main thread only.
 /// On Linux the engine is libmpv; https://mpv.io/manual/ is the reference for its options.
 class Player {
 public:
@@ -21,7 +22,7 @@ public:
     void play();
     void pause();
 
-    /// Linear gain from 0 to 1. Values outside are limited; not-a-number changes nothing.
+    /// Linear gain from 0 to 1. Values outside are limited; not-a-number is silence.
     void setVolume(float volume);
     float volume() const;
     void setMuted(bool muted);

@@ -55,10 +55,10 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
     m_libraryRetry.setInterval(1s);
     connect(&m_libraryRetry, &QTimer::timeout, this, &VideoPlayerManager::retryWhileLibraryIsBusy);
 
-    m_notificationObservers.push_back(
-        observe(workspace, &Workspace::activeSpaceDidChange, [this] { activeSpaceDidChange(); }));
+    m_notificationObservers.push_back(observe(
+        workspace, &Workspace::activeSpaceDidChange, [this] { activeSpaceDidChangeWithNotif(); }));
     m_notificationObservers.push_back(distributedCenter.addObserver(
-        QStringLiteral("UpdateVideoList"), [this] { reloadVideoList(); }));
+        QStringLiteral("UpdateVideoList"), [this] { updateVideoList(); }));
     observePreferences();
     m_notificationObservers.push_back(
         center.addObserver(PlayerItem::didPlayToEndTimeNotification(), [this] {
@@ -95,7 +95,7 @@ void VideoPlayerManager::createWindows()
                 screen));
         window.setCollectionBehavior(
             WindowCollectionBehavior::CanJoinAllSpaces | WindowCollectionBehavior::Transient);
-        window.setClickAction([this] { tapVideoPlayerViewAction(); });
+        window.setClickAction([this] { tapVideoPlayerViewActionWithGrSender(); });
         auto view = std::make_unique<PlayerView>(frames[i]);
         view->setPlayer(player());
         view->setVideoGravity(VideoGravity::ResizeAspectFill);
@@ -147,7 +147,7 @@ void VideoPlayerManager::setHideDesktopIcon(bool isHidden)
         applyWindowLevelToAll();
 }
 
-void VideoPlayerManager::activeSpaceDidChange()
+void VideoPlayerManager::activeSpaceDidChangeWithNotif()
 {
     setHideDesktopIcon(m_isHideDesktopIcon);
 }
@@ -176,7 +176,7 @@ QVariant VideoPlayerManager::valueForKey(const QString& key) const
     return property(key.toUtf8().constData());
 }
 
-void VideoPlayerManager::tapVideoPlayerViewAction() const
+void VideoPlayerManager::tapVideoPlayerViewActionWithGrSender() const
 {
     std::puts("tapVideoPlayerViewAction");
     std::fflush(stdout);

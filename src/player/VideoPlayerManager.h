@@ -82,14 +82,15 @@ public:
 
 private:
     std::vector<Screen> chosenScreens() const;
-    void activeSpaceDidChange();
-    void tapVideoPlayerViewAction() const;
+    void activeSpaceDidChangeWithNotif();
+    void tapVideoPlayerViewActionWithGrSender() const;
+    void updateVideoList() { reloadVideoList(); }
 
     void makePlayer();
     std::optional<QUrl> playableUrl();
     void replaceItem(const std::optional<QUrl>& url);
     void observeStatus();
-    void statusDidChange(PlayerItem::Status status);
+    void observeValueForKeyPath(const QString& keyPath, const PlayerItem& object);
     void playerItemDidReachEnd();
     void retryWhileLibraryIsBusy();
     void playingSignDidChange(const QString& sign);
@@ -112,6 +113,8 @@ private:
     std::optional<Disposable> m_statusObservation; // of the player's item
     std::size_t m_failuresInARow = 0;
     QTimer m_libraryRetry;
+    bool m_isListUnread = false;   // the library was busy when the list was built
+    bool m_isChoiceUnread = false; // and when the chosen video was looked up
     std::vector<Disposable> m_notificationObservers;
     std::vector<Disposable> m_observerDisposables; // of the preferences
 };

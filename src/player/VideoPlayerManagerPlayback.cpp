@@ -1,35 +1,11 @@
 #include "player/VideoPlayerManager.h"
 
 #include "base/Observe.h"
+#include "library/VideoUrl.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QUrl>
 
 #include <utility>
-
-namespace {
-
-/// The URL that a row's text stands for, or none. People and programs also write plain paths.
-std::optional<QUrl> urlFrom(const QString& text)
-{
-    if (QDir::isAbsolutePath(text))
-        return QUrl::fromLocalFile(text);
-    QUrl url(text, QUrl::TolerantMode);
-    if (!url.isValid())
-        return std::nullopt;
-    if (url.isLocalFile() && url.host() == u"localhost")
-        url.setHost(QString());
-    return url;
-}
-
-/// False for whatever is not on this machine's disks.
-bool fileExists(const QUrl& url)
-{
-    return url.isLocalFile() && QFileInfo::exists(url.toLocalFile());
-}
-
-} // namespace
 
 Player& VideoPlayerManager::player()
 {
@@ -74,8 +50,8 @@ void VideoPlayerManager::setVolume(float volume)
 std::optional<QUrl> VideoPlayerManager::playableUrl()
 {
     for (std::size_t tried = 0; tried < m_videoList.count(); ++tried) {
-        const auto url = urlFrom(m_videoList.current()->val.url);
-        if (url && fileExists(*url))
+        const auto url = videoUrl(m_videoList.current()->val.url);
+        if (url && videoFileExists(*url))
             return url;
         m_videoList.advance();
     }
@@ -93,15 +69,15 @@ void VideoPlayerManager::observeStatus()
 {
     m_statusObservation.reset();
     if (const auto* item = m_player->currentItem()) {
-        m_statusObservation = observe(*item,
-            &PlayerItem::statusChanged,
-            [this](PlayerItem::Status status) { statusDidChange(status); });
+        m_statusObservation = observe(*item, &PlayerItem::statusChanged, [this, item] {
+            observeValueForKeyPath(QStringLiteral("status"), *item);
+        });
     }
 }
 
-void VideoPlayerManager::statusDidChange(PlayerItem::Status status)
+void VideoPlayerManager::observeValueForKeyPath(const QString& keyPath, const PlayerItem& object)
 {
-    if (status != PlayerItem::Status::Failed)
+    if (keyPath != u"status" || object.status() != PlayerItem::Status::Failed)
         return;
     // A failed video is skipped like one that has ended, but when all of them have failed, going
     // round and round would only keep the machine busy.
@@ -175,7 +151,8 @@ void VideoPlayerManager::reloadVideoList()
     const std::lock_guard lock(m_videoListLocker);
     m_videoList.clear();
     auto rows = m_library.allVideos();
-    if (m_library.lastReading() == LocalVideoDBManager::Reading::Busy)
+    m_isListUnread = m_library.lastReading() == LocalVideoDBManager::Reading::Busy;
+    if (m_isListUnread)
         m_libraryRetry.start();
     if (m_playModel == VideoPlayerPlayModel::random)
         rows = randomlyReordered(rows);
@@ -187,15 +164,20 @@ void VideoPlayerManager::reloadVideoList()
 /// While another process writes, the library reads as empty. That passes, and nobody tells.
 void VideoPlayerManager::retryWhileLibraryIsBusy()
 {
-    reloadVideoList();
-    if (m_player && !m_player->currentItem() && m_videoList.current() &&
-        m_preferences.isOpenPlayer())
-        openPlayer();
+    if (std::exchange(m_isChoiceUnread, false))
+        playingSignDidChange(m_preferences.playingVideoSign().value_or(QString()));
+    if (m_isListUnread) {
+        reloadVideoList();
+        if (m_videoList.current() && !player().currentItem() && m_preferences.isOpenPlayer())
+            openPlayer();
+    }
+    if (!m_preferences.isPlaying())
+        player().pause();
 }
 
 void VideoPlayerManager::savePlayingSign()
 {
-    if (!m_videoList.current())
+    if (!m_videoList.current() || m_isChoiceUnread)
         return;
     const auto sign = m_videoList.current()->val.sign;
     if (m_preferences.playingVideoSign() != sign)
@@ -208,10 +190,14 @@ void VideoPlayerManager::playingSignDidChange(const QString& sign)
         return;
     if (!isVideoFilePresent(sign)) {
         // A row is deleted for a missing file, never because nobody could look.
-        if (m_library.lastReading() == LocalVideoDBManager::Reading::Complete)
+        m_isChoiceUnread = m_library.lastReading() == LocalVideoDBManager::Reading::Busy;
+        if (m_isChoiceUnread)
+            m_libraryRetry.start();
+        else if (m_library.lastReading() == LocalVideoDBManager::Reading::Complete)
             m_library.deleteVideo(sign);
         return;
     }
+    m_isChoiceUnread = false;
     player().pause();
     reloadVideoList();
     openPlayer();
@@ -220,8 +206,8 @@ void VideoPlayerManager::playingSignDidChange(const QString& sign)
 bool VideoPlayerManager::isVideoFilePresent(const QString& sign)
 {
     const auto row = m_library.video(sign);
-    const auto url = row ? urlFrom(row->url) : std::nullopt;
-    return url && fileExists(*url);
+    const auto url = row ? videoUrl(row->url) : std::nullopt;
+    return url && videoFileExists(*url);
 }
 
 void VideoPlayerManager::observePreferences()

@@ -23,6 +23,8 @@ class Preferences : public QObject {
             monitorArrangeChanged)
     Q_PROPERTY(qint64 screenIndex READ screenIndex WRITE setScreenIndex NOTIFY screenIndexChanged)
     Q_PROPERTY(qint64 playModel READ playModel WRITE setPlayModel NOTIFY playModelChanged)
+    Q_PROPERTY(std::optional<QString> playingVideoSign READ playingVideoSign WRITE
+            setPlayingVideoSign NOTIFY playingVideoSignChanged)
     Q_PROPERTY(float volume READ volume WRITE setVolume NOTIFY volumeChanged)
     Q_PROPERTY(bool mute READ mute WRITE setMute NOTIFY muteChanged)
     Q_PROPERTY(bool alreadyImportVideo READ alreadyImportVideo WRITE setAlreadyImportVideo NOTIFY

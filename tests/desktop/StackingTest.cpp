@@ -43,6 +43,58 @@ private Q_SLOTS:
         QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
     }
 
+    void serverWithoutAnExtension_showsThePictureAllTheSame_data()
+    {
+        QTest::addColumn<QString>("extension");
+        QTest::newRow("no shared memory: pictures are sent") << "MIT-SHM";
+        QTest::newRow("no touches") << "XInputExtension";
+        QTest::newRow("no monitors") << "RANDR";
+    }
+
+    void serverWithoutAnExtension_showsThePictureAllTheSame()
+    {
+        QFETCH(QString, extension);
+        VirtualDesktop desktop({1280, 720}, {QStringLiteral("-extension"), extension});
+        HelperProcess helper(desktop);
+        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
+        helper.start();
+        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
+        QTRY_COMPARE(desktop.colour({1279, 719}), QStringLiteral("red")); // to the last strip
+        if (extension == u"RANDR")
+            helper.process().readAllStandardError(); // Qt says that it misses it
+    }
+
+    void requestToClose_isIgnored()
+    {
+        VirtualDesktop desktop;
+        desktop.startWindowManager();
+        HelperProcess helper(desktop);
+        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
+        helper.start();
+        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
+
+        desktop.requestClose();
+        QTest::qWait(500);
+
+        QCOMPARE(desktop.leftColour(), QStringLiteral("red"));
+        QCOMPARE(helper.process().state(), QProcess::Running);
+    }
+
+    void whenTheServerGoes_theHelperEnds()
+    {
+        auto desktop = std::make_unique<VirtualDesktop>();
+        HelperProcess helper(*desktop);
+        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
+        helper.start();
+        QTRY_COMPARE(desktop->leftColour(), QStringLiteral("red"));
+
+        desktop.reset();
+
+        QVERIFY(helper.waitForEnd());
+        QCOMPARE(helper.process().exitStatus(), QProcess::NormalExit);
+        helper.process().readAllStandardError(); // says why
+    }
+
     void windowManager_mayComeGoAndComeBack()
     {
         VirtualDesktop desktop;

@@ -42,18 +42,20 @@ QByteArray firstLine(QProcess& process, const char* what)
 
 } // namespace
 
-VirtualDesktop::VirtualDesktop(const QSize& size) : m_size(size)
+VirtualDesktop::VirtualDesktop(const QSize& size, const QStringList& serverArguments) : m_size(size)
 {
     // The server takes a free display by itself and writes its number to its standard output.
-    m_server.start(QStringLiteral("Xvfb"),
-        {QStringLiteral("-displayfd"),
-            QStringLiteral("1"),
-            QStringLiteral("-screen"),
-            QStringLiteral("0"),
-            QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()),
-            QStringLiteral("-nolisten"),
-            QStringLiteral("tcp"),
-            QStringLiteral("-noreset")});
+    const QStringList arguments{
+        QStringLiteral("-displayfd"),
+        QStringLiteral("1"),
+        QStringLiteral("-screen"),
+        QStringLiteral("0"),
+        QStringLiteral("%1x%2x24").arg(size.width()).arg(size.height()),
+        QStringLiteral("-nolisten"),
+        QStringLiteral("tcp"),
+        QStringLiteral("-noreset"),
+    };
+    m_server.start(QStringLiteral("Xvfb"), arguments + serverArguments);
     m_display = u':' + QString::fromLatin1(firstLine(m_server, "Xvfb"));
     m_connection.reset(xcb_connect(m_display.toLatin1().constData(), nullptr));
 
@@ -243,12 +245,27 @@ void VirtualDesktop::closeWindow(xcb_window_t window) const
 
 void VirtualDesktop::requestDesktop(std::uint32_t number) const
 {
+    sendToRoot(root(), "_NET_CURRENT_DESKTOP", number);
+}
+
+void VirtualDesktop::requestClose() const
+{
+    const auto cookie = xcb_get_property(
+        connection(), 0, root(), atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 0, 100);
+    const auto clients = own(xcb_get_property_reply(connection(), cookie, nullptr));
+    const auto* windows = static_cast<xcb_window_t*>(xcb_get_property_value(clients.get()));
+    for (std::uint32_t i = 0; i < clients->value_len; ++i)
+        sendToRoot(windows[i], "_NET_CLOSE_WINDOW", XCB_CURRENT_TIME);
+}
+
+void VirtualDesktop::sendToRoot(xcb_window_t window, const char* type, std::uint32_t value) const
+{
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
-    message.window = root();
-    message.type = atom("_NET_CURRENT_DESKTOP");
-    message.data.data32[0] = number;
+    message.window = window;
+    message.type = atom(type);
+    message.data.data32[0] = value;
     xcb_send_event(connection(),
         0,
         root(),

@@ -14,7 +14,9 @@
 /// from the root window, as a person would see it.
 class VirtualDesktop {
 public:
-    explicit VirtualDesktop(const QSize& size = {1280, 720});
+    /// `serverArguments` go to the server as they are.
+    explicit VirtualDesktop(
+        const QSize& size = {1280, 720}, const QStringList& serverArguments = {});
     ~VirtualDesktop();
     VirtualDesktop(const VirtualDesktop&) = delete;
     VirtualDesktop& operator=(const VirtualDesktop&) = delete;
@@ -47,6 +49,8 @@ public:
     enum class WindowKind { Ordinary, Desktop };
     xcb_window_t openWindow(WindowKind kind, const QColor& colour) const;
     void closeWindow(xcb_window_t window) const;
+    /// Asks the window manager to close every window that it manages, as a pager may.
+    void requestClose() const;
     /// As pagers do.
     void requestDesktop(std::uint32_t number) const;
 
@@ -55,6 +59,7 @@ private:
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
     bool hasWindowManager() const;
+    void sendToRoot(xcb_window_t window, const char* type, std::uint32_t value) const;
     xcb_atom_t atom(const char* name) const;
 
     QSize m_size;

@@ -327,6 +327,24 @@ private Q_SLOTS:
         QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({"a", "b", "c"}));
     }
 
+    void chosenSignWhileTheLibraryIsLocked_isPlayedAfterwards()
+    {
+        Fixture fixture(QStringLiteral("abc"), "PlayModel=1\n");
+        fixture.start();
+        sqlite3* writer = nullptr;
+        sqlite3_open(fixture.home.databaseFile().toUtf8().constData(), &writer);
+        sqlite3_exec(writer, "begin exclusive", nullptr, nullptr, nullptr);
+
+        fixture.preferences->setPlayingVideoSign(QStringLiteral("c"));
+        fixture.endItem();                             // goes on to the next meanwhile
+        QCOMPARE(fixture.sign(), QStringLiteral("c")); // and keeps the choice
+        sqlite3_exec(writer, "rollback", nullptr, nullptr, nullptr);
+        sqlite3_close(writer);
+
+        QTRY_COMPARE(Fixture::playing(), QStringLiteral("c"));
+        QCOMPARE(fixture.sign(), QStringLiteral("c"));
+    }
+
     void listReadWhileTheLibraryIsLocked_isReadAgain()
     {
         Fixture fixture(QStringLiteral("ab"), "PlayModel=1\n");

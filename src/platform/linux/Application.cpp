@@ -1,7 +1,7 @@
 #include "platform/Application.h"
 
+#include "platform/SessionInstance.h"
 #include "platform/linux/TerminationSignals.h"
-#include "platform/linux/dbus/SessionInstance.h"
 #include "platform/linux/x11/X11Handles.h"
 
 #include <QApplication>
@@ -12,6 +12,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 using namespace std::chrono_literals;
 
@@ -26,8 +27,32 @@ void requireDisplay()
             "TavelorHelper needs an X11 display; DISPLAY names none that answers.\n", stderr);
         std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no thread has been started
     }
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "xcb");
+}
+
+/// Qt's idea of the screens has to be the windows' own, whatever platform people prefer for their
+/// other programs; those that are launched from here keep theirs.
+class X11Platform {
+public:
+    X11Platform() { qputenv(variable, "xcb"); }
+    ~X11Platform()
+    {
+        if (m_preferred.isNull())
+            qunsetenv(variable);
+        else
+            qputenv(variable, m_preferred);
+    }
+    X11Platform(const X11Platform&) = delete;
+    X11Platform& operator=(const X11Platform&) = delete;
+
+private:
+    static constexpr auto variable = "QT_QPA_PLATFORM";
+    QByteArray m_preferred = qgetenv(variable);
+};
+
+int& prepare(int& argc)
+{
+    requireDisplay();
+    return argc;
 }
 
 } // namespace
@@ -35,18 +60,22 @@ void requireDisplay()
 class Application::Body {
 public:
     Body(int& argc, char** argv, Application& application)
-        : qt((requireDisplay(), argc), argv),
-          terminationSignals([&application] { application.terminate(); })
+        : qt(prepare(argc), argv),
+          terminationSignals(std::in_place, [&application] { application.terminate(); })
     {
     }
 
     QApplication qt;
-    TerminationSignals terminationSignals;
-    QTimer screenChanges; // running while changes still come
+    std::optional<TerminationSignals> terminationSignals; // while the loop runs
+    QTimer screenChanges;                                 // running while changes still come
 };
 
-Application::Application(int& argc, char** argv) : m_body(std::make_unique<Body>(argc, argv, *this))
+Application::Application(int& argc, char** argv)
 {
+    {
+        const X11Platform platform;
+        m_body = std::make_unique<Body>(argc, argv, *this);
+    }
     std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): libmpv insists on it
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
@@ -73,6 +102,7 @@ Application::Application(int& argc, char** argv) : m_body(std::make_unique<Body>
             noteChange();
         });
     connect(&m_body->qt, &QGuiApplication::screenRemoved, this, noteChange);
+    connect(&m_body->qt, &QGuiApplication::primaryScreenChanged, this, noteChange); // their order
     // A session that ends tells Qt, which quits: the same way out for all.
     connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, &Application::willTerminate);
 }
@@ -82,7 +112,9 @@ Application::~Application() = default;
 int Application::run()
 {
     QTimer::singleShot(0ms, this, &Application::didFinishLaunching);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    m_body->terminationSignals.reset(); // a second Ctrl+C ends a process that hangs at its end
+    return status;
 }
 
 void Application::terminate()

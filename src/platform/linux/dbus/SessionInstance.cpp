@@ -1,4 +1,4 @@
-#include "platform/linux/dbus/SessionInstance.h"
+#include "platform/SessionInstance.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>

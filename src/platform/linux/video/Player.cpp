@@ -126,9 +126,7 @@ void Player::Body::setPaused(bool paused)
 
 void Player::Body::setVolume(float volume)
 {
-    if (std::isnan(volume))
-        return;
-    m_volume = std::clamp(volume, 0.0F, 1.0F);
+    m_volume = std::isnan(volume) ? 0.0F : std::clamp(volume, 0.0F, 1.0F);
     // libmpv's scale is cubic: half of it is an eighth of the gain.
     Mpv::setDouble(m_core.get(), "volume", 100 * std::cbrt(static_cast<double>(m_volume)));
 }
@@ -164,7 +162,7 @@ void Player::Body::replaceCurrentItem(std::unique_ptr<PlayerItem> item)
 
 void Player::Body::load()
 {
-    m_picturesBefore = m_renderThread.pictureCount();
+    m_offersBefore = m_renderThread.offerCount();
     const auto path = m_item->url().toLocalFile();
     // libmpv would play the files of a folder and wait for ever on a pipe.
     if (!QFileInfo(path).isFile()) {
@@ -181,10 +179,8 @@ void Player::Body::load()
 
 void Player::Body::seekToZero()
 {
-    if (!m_isLoaded)
-        return;
-    m_picturesBefore = m_renderThread.pictureCount();
-    Mpv::command(m_core.get(), {"seek", "0", "absolute+keyframes"});
+    if (m_isLoaded)
+        Mpv::command(m_core.get(), {"seek", "0", "absolute+keyframes"});
 }
 
 void Player::Body::processEvents()
@@ -268,7 +264,7 @@ void Player::Body::setIsAtEnd(bool isAtEnd)
         return;
     // A file whose end has been cut off right after its head is over without a picture; playing
     // it again and again would keep the machine busy with nothing.
-    if (m_renderThread.pictureCount() == m_picturesBefore)
+    if (m_renderThread.offerCount() == m_offersBefore)
         fail();
     else
         NotificationCenter::defaultCenter().post(PlayerItem::didPlayToEndTimeNotification());

@@ -50,7 +50,7 @@ private:
     std::optional<qint64> m_entry; // libmpv's number of the item that is loaded
     bool m_isLoaded = false;
     bool m_isAtEnd = false;
-    std::uint64_t m_picturesBefore = 0; // as counted when the item was started or restarted
+    std::uint64_t m_offersBefore = 0; // pictures of earlier items
 
     float m_volume = 1;
     bool m_isMuted = false;

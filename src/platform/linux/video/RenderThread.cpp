@@ -46,21 +46,21 @@ void skipPicture(mpv_render_context& context)
 } // namespace
 
 RenderThread::RenderThread(mpv_handle* core, PresenterFactory makePresenter)
-    : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      m_coreStart(Clock::now() - std::chrono::microseconds(mpv_get_time_us(core)))
+    : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)), m_core(core)
 {
     std::promise<void> started;
-    auto isStarted = started.get_future();
-    m_thread = std::thread([this, core, make = std::move(makePresenter), &started]() mutable {
-        pthread_setname_np(pthread_self(), "pictures");
-        auto presenter = make();
-        const auto context = createContext(core, presenter->renderApi());
-        mpv_render_context_set_update_callback(
-            context.get(), [](void* self) { static_cast<RenderThread*>(self)->wake(); }, this);
-        started.set_value();
-        loop(*context, *presenter);
-        mpv_render_context_set_update_callback(context.get(), nullptr, nullptr);
-    });
+    const auto isStarted = started.get_future();
+    m_thread = std::thread(
+        [this, make = std::move(makePresenter), started = std::move(started)]() mutable {
+            pthread_setname_np(pthread_self(), "pictures");
+            const auto presenter = make();
+            const auto context = createContext(m_core, presenter->renderApi());
+            mpv_render_context_set_update_callback(
+                context.get(), [](void* self) { static_cast<RenderThread*>(self)->wake(); }, this);
+            started.set_value();
+            loop(*context, *presenter);
+            mpv_render_context_set_update_callback(context.get(), nullptr, nullptr);
+        });
     isStarted.wait();
 }
 
@@ -116,10 +116,14 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
 {
     // Before there is anything, the windows keep showing what was on the screen before them.
     enum class Content { Nothing, Picture, Black } content = Content::Nothing;
-    bool isStale = false; // the canvases hold something else than `content`
-    Due due;              // when the windows get what the canvases hold; none when they have it
+    bool isOffered = false; // the core has a picture that has not been taken
+    bool isStale = false;   // the canvases hold something else than `content`
+    Due due;                // when the windows get what the canvases hold; none when they have it
     for (;;) {
-        waitForWork(presenter, due);
+        presenter.dispatch();
+        const bool canDraw = presenter.hasSurfaces() && presenter.isReady();
+        const bool hasWork = !due && canDraw && (isOffered || isStale);
+        waitForWork(presenter, hasWork ? Clock::now() : due);
         presenter.dispatch();
         const auto [orders, surfaces] = takeOrders();
         if (orders.quit)
@@ -142,25 +146,25 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
             due.reset();
         }
 
-        // The core gives a picture ahead of its time. The one before it comes first.
-        Due time = Clock::now();
-        if (!due && (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME) &&
-            (!presenter.hasSurfaces() || presenter.isReady())) {
-            ++m_pictureCount;
-            time = timeOfNextPicture(context);
-            if (!presenter.hasSurfaces())
-                skipPicture(context);
+        isOffered = (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME) != 0;
+        if (isOffered)
+            ++m_offerCount;
+        if (isOffered && !presenter.hasSurfaces()) {
+            skipPicture(context);
             content = Content::Picture;
-            isStale = true;
+            isOffered = false;
         }
-        if (isStale && presenter.hasSurfaces() && presenter.isReady()) {
-            if (content == Content::Picture)
-                presenter.draw(context);
-            else
-                presenter.clear();
-            isStale = false;
-            due = time;
-        }
+        // A picture comes ahead of its time; the one before it is shown first.
+        if (due || !presenter.hasSurfaces() || !presenter.isReady() || !(isOffered || isStale))
+            continue;
+        due = isOffered ? timeOfNextPicture(context) : Clock::now();
+        if (isOffered)
+            content = Content::Picture;
+        if (content == Content::Picture)
+            presenter.draw(context);
+        else
+            presenter.clear();
+        isOffered = isStale = false;
     }
 }
 
@@ -168,10 +172,15 @@ RenderThread::Due RenderThread::timeOfNextPicture(mpv_render_context& context) c
 {
     mpv_render_frame_info information{};
     mpv_render_context_get_info(&context, {MPV_RENDER_PARAM_NEXT_FRAME_INFO, &information});
-    const auto now = Clock::now();
-    const auto target = m_coreStart + std::chrono::microseconds(information.target_time);
-    // Never long, whatever a file's time stamps say: the core waits for its picture to be taken.
-    return std::clamp(target, now, now + std::chrono::milliseconds(100));
+    // Nanoseconds since libmpv 0.37, in spite of what render.h says.
+    const bool isNanoseconds = mpv_client_api_version() >= MPV_MAKE_VERSION(2, 2);
+    const auto target = isNanoseconds ? information.target_time / 1000 : information.target_time;
+    const auto ahead = std::chrono::microseconds(target - mpv_get_time_us(m_core));
+    // The core waits for its picture to be taken, so whatever a file's time stamps say, nothing
+    // that is far away is waited for.
+    constexpr std::chrono::milliseconds longest{200};
+    const bool isPlausible = ahead > ahead.zero() && ahead < longest;
+    return isPlausible ? Clock::now() + ahead : Clock::now();
 }
 
 void RenderThread::waitForWork(const FramePresenter& presenter, const Due& due) const

@@ -16,8 +16,9 @@
 #include <utility>
 #include <vector>
 
-/// The one thread that draws and presents pictures. It owns libmpv's render context and makes no
-/// other call of libmpv. Other threads, libmpv's among them, only leave word and wake it up.
+/// The one thread that draws and presents pictures. It owns libmpv's render context and but for the
+/// clock makes no other call of libmpv. Other threads, libmpv's among them, only leave word and
+/// wake it up.
 class RenderThread {
 public:
     using PresenterFactory = std::function<std::unique_ptr<FramePresenter>()>;
@@ -37,8 +38,9 @@ public:
     /// Shows black until the next picture comes.
     void clear();
 
-    /// How many pictures the core has given so far, whether or not anybody saw them.
-    std::uint64_t pictureCount() const { return m_pictureCount; }
+    /// Grows with every picture that the core offers, at least by one, whether or not anybody sees
+    /// it.
+    std::uint64_t offerCount() const { return m_offerCount; }
 
 private:
     /// What the thread has been told and has not done yet.
@@ -59,8 +61,8 @@ private:
     void order(const std::function<void(Orders&)>& change);
 
     int m_wakeDescriptor;
-    std::chrono::steady_clock::time_point m_coreStart; // the zero of the core's clock
-    std::atomic<std::uint64_t> m_pictureCount = 0;
+    mpv_handle* m_core; // for its clock, which any thread may ask
+    std::atomic<std::uint64_t> m_offerCount = 0;
     std::mutex m_mutex; // guards the two below
     Orders m_orders;
     std::map<const void*, Surface> m_surfaces;

@@ -1,7 +1,5 @@
 #include "platform/linux/x11/SharedCanvas.h"
 
-#include <QtGlobal>
-
 #include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -18,20 +16,46 @@ std::size_t alignedStride(int width)
            alignment;
 }
 
+bool takesDescriptors(xcb_connection_t* connection)
+{
+    if (!hasExtension(connection, xcb_shm_id))
+        return false;
+    const auto version =
+        own(xcb_shm_query_version_reply(connection, xcb_shm_query_version(connection), nullptr));
+    return version && (version->major_version > 1 ||
+                          (version->major_version == 1 && version->minor_version >= 2));
+}
+
 } // namespace
 
-SharedCanvas::SharedCanvas(xcb_connection_t* connection, const QSize& size)
-    : m_connection(connection), m_size(size), m_stride(alignedStride(size.width()))
+std::unique_ptr<SharedCanvas> SharedCanvas::create(xcb_connection_t* connection, const QSize& size)
 {
+    const auto stride = alignedStride(size.width());
+    const auto byteCount = stride * static_cast<std::size_t>(size.height());
     const int descriptor = memfd_create("tavelor-canvas", MFD_CLOEXEC);
-    if (descriptor < 0 || ftruncate(descriptor, static_cast<off_t>(byteCount())) != 0)
-        qFatal("No memory for a picture of %d by %d pixels.", size.width(), size.height());
+    if (descriptor < 0)
+        return nullptr;
+    // Reserved and not only promised: a picture that does not fit fails here, not while drawing.
+    if (posix_fallocate(descriptor, 0, static_cast<off_t>(byteCount)) != 0) {
+        close(descriptor);
+        return nullptr;
+    }
     auto* const pixels =
-        mmap(nullptr, byteCount(), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
-    if (pixels == MAP_FAILED)
-        qFatal("No memory for a picture of %d by %d pixels.", size.width(), size.height());
-    m_pixels = static_cast<std::uint8_t*>(pixels);
-    attach(descriptor); // closes it
+        mmap(nullptr, byteCount, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+    if (pixels == MAP_FAILED) {
+        close(descriptor);
+        return nullptr;
+    }
+    std::unique_ptr<SharedCanvas> canvas(
+        new SharedCanvas(connection, size, stride, static_cast<std::uint8_t*>(pixels)));
+    canvas->attach(descriptor); // closes it
+    return canvas;
+}
+
+SharedCanvas::SharedCanvas(
+    xcb_connection_t* connection, const QSize& size, std::size_t stride, std::uint8_t* pixels)
+    : m_connection(connection), m_size(size), m_stride(stride), m_pixels(pixels)
+{
 }
 
 SharedCanvas::~SharedCanvas()
@@ -43,12 +67,7 @@ SharedCanvas::~SharedCanvas()
 
 void SharedCanvas::attach(int descriptor)
 {
-    const auto version = own(
-        xcb_shm_query_version_reply(m_connection, xcb_shm_query_version(m_connection), nullptr));
-    const bool takesDescriptors =
-        version && (version->major_version > 1 ||
-                       (version->major_version == 1 && version->minor_version >= 2));
-    if (!takesDescriptors) {
+    if (!takesDescriptors(m_connection)) {
         close(descriptor);
         return;
     }

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 
 /// A picture in memory that the X server can read too (MIT-SHM 1.2). Where the server cannot map
 /// our memory, a remote one for instance, the picture is only ours and has to be sent.
@@ -15,7 +16,8 @@
 /// 4 bytes a pixel: blue, green, red, unused. Black when new.
 class SharedCanvas {
 public:
-    SharedCanvas(xcb_connection_t* connection, const QSize& size);
+    /// Null when there is no memory for it.
+    static std::unique_ptr<SharedCanvas> create(xcb_connection_t* connection, const QSize& size);
     ~SharedCanvas();
     SharedCanvas(const SharedCanvas&) = delete;
     SharedCanvas& operator=(const SharedCanvas&) = delete;
@@ -31,11 +33,13 @@ public:
     void fillBlack();
 
 private:
+    SharedCanvas(
+        xcb_connection_t* connection, const QSize& size, std::size_t stride, std::uint8_t* pixels);
     void attach(int descriptor);
 
     xcb_connection_t* m_connection;
     QSize m_size;
     std::size_t m_stride;
-    std::uint8_t* m_pixels = nullptr;
+    std::uint8_t* m_pixels;
     xcb_shm_seg_t m_segment = XCB_NONE;
 };

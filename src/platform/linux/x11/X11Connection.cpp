@@ -1,10 +1,12 @@
 #include "platform/linux/x11/X11Connection.h"
 
 #include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 
 #include <xcb/xinput.h>
 
-#include <span>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 #include <vector>
 
@@ -113,8 +115,11 @@ void X11Connection::processEvents()
     while (const auto event = own(xcb_poll_for_event(get())))
         deliver(*event);
     xcb_flush(get());
-    if (xcb_connection_has_error(get()))
+    if (m_notifier.isEnabled() && xcb_connection_has_error(get())) {
         m_notifier.setEnabled(false); // or it would report the closed socket for ever
+        std::fputs("The X server has closed the connection.\n", stderr);
+        QCoreApplication::exit(EXIT_FAILURE);
+    }
 }
 
 void X11Connection::deliver(const xcb_generic_event_t& event)

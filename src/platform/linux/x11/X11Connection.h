@@ -11,7 +11,7 @@
 #include <string>
 
 /// The main thread's connection to the X server, apart from Qt's. Its errors are other clients'
-/// windows that died meanwhile and are dropped; a connection that breaks falls silent.
+/// windows that died meanwhile and are dropped; a connection that breaks ends the application.
 class X11Connection : public QObject {
     Q_OBJECT
 

@@ -12,8 +12,8 @@ constexpr std::size_t bytesPerPixel = 4;
 
 X11CpuPresenter::X11CpuPresenter() : m_connection(xcb_connect(nullptr, nullptr))
 {
-    if (const auto* shm = xcb_get_extension_data(m_connection.get(), &xcb_shm_id);
-        shm && shm->present) {
+    if (hasExtension(m_connection.get(), xcb_shm_id)) {
+        const auto* shm = xcb_get_extension_data(m_connection.get(), &xcb_shm_id);
         m_shmOpcode = shm->major_opcode;
         m_shmFirstEvent = shm->first_event;
     }
@@ -56,26 +56,28 @@ void X11CpuPresenter::setSurfaces(const std::vector<Surface>& surfaces)
 
     // Canvases of sizes that are still wanted are kept, with the picture that is on them.
     auto kept = std::exchange(m_canvases, {});
-    const auto canvasOf = [&](const QSize& size) {
+    const auto canvasOf = [&](const QSize& size) -> SharedCanvas* {
         const auto hasSize = [&](const auto& canvas) { return canvas && canvas->size() == size; };
         if (const auto ready = std::ranges::find_if(m_canvases, hasSize); ready != m_canvases.end())
             return ready->get();
         const auto old = std::ranges::find_if(kept, hasSize);
-        m_canvases.push_back(old != kept.end()
-                                 ? std::move(*old)
-                                 : std::make_unique<SharedCanvas>(m_connection.get(), size));
-        return m_canvases.back().get();
+        auto canvas =
+            old != kept.end() ? std::move(*old) : SharedCanvas::create(m_connection.get(), size);
+        if (!canvas)
+            return nullptr;
+        return m_canvases.emplace_back(std::move(canvas)).get();
     };
 
     for (const auto& surface : surfaces) {
         const auto visible = surface.frame.intersected(QRect(QPoint(), surface.windowSize));
-        if (visible.isEmpty())
-            continue;
+        auto* const canvas = visible.isEmpty() ? nullptr : canvasOf(surface.frame.size());
+        if (!canvas)
+            continue; // nothing to see, or no memory: the others go on
         const auto graphics = xcb_generate_id(m_connection.get());
         xcb_create_gc(m_connection.get(), graphics, surface.window, 0, nullptr);
         m_targets.push_back({surface.window,
             graphics,
-            canvasOf(surface.frame.size()),
+            canvas,
             visible.translated(-surface.frame.topLeft()),
             visible.topLeft()});
     }
@@ -143,11 +145,13 @@ void X11CpuPresenter::putShared(const Target& target)
 /// In strips, because a request has a greatest length.
 void X11CpuPresenter::sendPixels(const Target& target)
 {
-    const auto rowBytes = static_cast<std::size_t>(target.source.width()) * bytesPerPixel;
-    constexpr std::size_t header = 64;
     const auto longest = std::size_t{xcb_get_maximum_request_length(m_connection.get())} * 4;
-    const auto rowsInStrip =
-        static_cast<int>(std::max<std::size_t>(1, (longest - header) / rowBytes));
+    constexpr std::size_t header = 64;
+    if (longest <= header)
+        return; // the connection is broken
+    const auto rowBytes = static_cast<std::size_t>(target.source.width()) * bytesPerPixel;
+    const auto rowsInStrip = static_cast<int>(std::clamp<std::size_t>(
+        (longest - header) / rowBytes, 1, static_cast<std::size_t>(target.source.height())));
 
     std::vector<std::uint8_t> strip;
     for (int first = 0; first < target.source.height(); first += rowsInStrip) {

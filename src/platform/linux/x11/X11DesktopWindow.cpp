@@ -32,10 +32,12 @@ X11WindowManager& windowManager()
 struct PictureVisual {
     xcb_visualid_t identifier = XCB_NONE;
     std::uint8_t depth = 0;
+    xcb_colormap_t colormap = XCB_NONE; // one for all windows
 };
 
-PictureVisual pictureVisual(const xcb_screen_t& screen)
+PictureVisual findPictureVisual(X11Connection& x11)
 {
+    const auto& screen = x11.screen();
     PictureVisual found;
     for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0;
          xcb_depth_next(&depth)) {
@@ -48,21 +50,33 @@ PictureVisual pictureVisual(const xcb_screen_t& screen)
                 type.green_mask != 0xff00 || type.blue_mask != 0xff)
                 continue;
             if (found.identifier == XCB_NONE || type.visual_id == screen.root_visual)
-                found = {type.visual_id, depth.data->depth};
+                found = {type.visual_id, depth.data->depth, XCB_NONE};
         }
     }
+    if (found.identifier == XCB_NONE)
+        qFatal("The display has no 24-bit true-colour visual.");
+    found.colormap = xcb_generate_id(x11.get());
+    xcb_create_colormap(
+        x11.get(), XCB_COLORMAP_ALLOC_NONE, found.colormap, screen.root, found.identifier);
     return found;
 }
 
-/// https://wayland.freedesktop.org/libinput/doc/latest is what moves the fingers; the X Input
-/// extension 2.2 is what tells of them.
-bool selectTouches(xcb_connection_t* connection, xcb_window_t window)
+const PictureVisual& pictureVisual(X11Connection& x11)
 {
+    static const auto visual = findPictureVisual(x11);
+    return visual;
+}
+
+/// The X Input extension, from 2.2 on, tells of touches.
+void selectTouches(xcb_connection_t* connection, xcb_window_t window)
+{
+    if (!hasExtension(connection, xcb_input_id))
+        return;
     const auto version = own(xcb_input_xi_query_version_reply(
         connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
     if (!version || version->major_version < 2 ||
         (version->major_version == 2 && version->minor_version < 2))
-        return false;
+        return;
     struct {
         xcb_input_event_mask_t header{XCB_INPUT_DEVICE_ALL_MASTER, 1};
         std::uint32_t mask =
@@ -70,7 +84,6 @@ bool selectTouches(xcb_connection_t* connection, xcb_window_t window)
             XCB_INPUT_XI_EVENT_MASK_TOUCH_END; // the protocol wants all three or none
     } selection;
     xcb_input_xi_select_events(connection, window, 1, &selection.header);
-    return true;
 }
 
 constexpr std::uint8_t primaryButton = 1;
@@ -97,20 +110,14 @@ X11DesktopWindow::~X11DesktopWindow()
 void X11DesktopWindow::create(const QRect& frame)
 {
     auto* const x11 = m_connection.get();
-    const auto visual = pictureVisual(m_connection.screen());
-    if (visual.identifier == XCB_NONE)
-        qFatal("The display has no 24-bit true-colour visual.");
-
-    const auto colormap = xcb_generate_id(x11);
-    xcb_create_colormap(
-        x11, XCB_COLORMAP_ALLOC_NONE, colormap, m_connection.root(), visual.identifier);
+    const auto& visual = pictureVisual(m_connection);
     m_window = xcb_generate_id(x11);
     // No background: the server then leaves on the screen what was there until the first picture
     // comes, instead of flashing a colour.
     const std::array<std::uint32_t, 4> values{XCB_BACK_PIXMAP_NONE,
         0, // border pixel, because the depth may differ from the root's
         XCB_EVENT_MASK_EXPOSURE,
-        colormap};
+        visual.colormap};
     xcb_create_window(x11,
         visual.depth,
         m_window,
@@ -139,6 +146,9 @@ void X11DesktopWindow::describe(const QRect& frame)
     setProperty("_NET_WM_WINDOW_TYPE",
         XCB_ATOM_ATOM,
         std::vector{m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP")});
+    // Offered, so that a request to close the window is sent to us, who ignore it; a client that
+    // does not offer it is killed instead.
+    setProperty("WM_PROTOCOLS", XCB_ATOM_ATOM, std::vector{m_connection.atom("WM_DELETE_WINDOW")});
     // Motif's way of asking for no frame; some window managers put one around any type.
     constexpr std::uint32_t decorationsAreGiven = 2;
     setProperty("_MOTIF_WM_HINTS",
@@ -177,11 +187,12 @@ void X11DesktopWindow::listen()
     selectTouches(m_connection.get(), m_window);
     m_managerChanges =
         observe(m_windowManager, &X11WindowManager::knowsDesktopWindowsChanged, [this] {
-            if (const auto order = m_order) {
-                hide();
-                show(*order);
-            }
+            if (m_isMapped)
+                unmap();
+            applyChange();
         });
+    m_change.setSingleShot(true);
+    m_change.callOnTimeout([this] { applyChange(); });
 }
 
 void X11DesktopWindow::handle(const xcb_generic_event_t& event)
@@ -216,16 +227,7 @@ void X11DesktopWindow::handle(const xcb_generic_event_t& event)
 
 void X11DesktopWindow::setCollectionBehavior(WindowCollectionBehavior behavior)
 {
-    if (contains(behavior, WindowCollectionBehavior::CanJoinAllSpaces)) {
-        constexpr std::uint32_t allDesktops = 0xffffffff;
-        setProperty("_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, std::vector{allDesktops});
-    }
-    if (contains(behavior, WindowCollectionBehavior::Transient)) {
-        setProperty("_NET_WM_STATE",
-            XCB_ATOM_ATOM,
-            std::vector{m_connection.atom("_NET_WM_STATE_SKIP_TASKBAR"),
-                m_connection.atom("_NET_WM_STATE_SKIP_PAGER")});
-    }
+    m_behavior = behavior;
 }
 
 void X11DesktopWindow::setLevel(WindowLevel level)
@@ -237,21 +239,54 @@ void X11DesktopWindow::setLevel(WindowLevel level)
 
 void X11DesktopWindow::show(Order order)
 {
-    if (!m_order)
+    m_wantedOrder = order;
+    m_change.start();
+}
+
+void X11DesktopWindow::hide()
+{
+    m_wantedOrder.reset();
+    m_change.start();
+}
+
+/// At the end of the turn, so that a window that is shown and hidden in one does not flash, and
+/// one that is put in its place several times is moved once.
+void X11DesktopWindow::applyChange()
+{
+    if (m_wantedOrder && !m_isMapped)
         map();
-    m_order = order;
-    restack(order);
+    if (m_wantedOrder)
+        restack(*m_wantedOrder);
+    else if (m_isMapped)
+        unmap();
     xcb_flush(m_connection.get());
 }
 
 void X11DesktopWindow::map()
 {
+    m_isMapped = true;
     m_isManaged = m_windowManager.knowsDesktopWindows();
     const std::uint32_t bypasses = m_isManaged ? 0 : 1;
     xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_OVERRIDE_REDIRECT, &bypasses);
+    describeBehavior();
     // Below everything from the first moment; who maps in front is raised afterwards.
     restack(Order::Back);
     xcb_map_window(m_connection.get(), m_window);
+}
+
+/// Each time anew: window managers remove these properties when a window is withdrawn.
+void X11DesktopWindow::describeBehavior()
+{
+    if (contains(m_behavior, WindowCollectionBehavior::CanJoinAllSpaces)) {
+        constexpr std::uint32_t allDesktops = 0xffffffff;
+        setProperty("_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, std::vector{allDesktops});
+    }
+    if (contains(m_behavior, WindowCollectionBehavior::Transient)) {
+        setProperty("_NET_WM_STATE",
+            XCB_ATOM_ATOM,
+            std::vector{m_connection.atom("_NET_WM_STATE_SKIP_TASKBAR"),
+                m_connection.atom("_NET_WM_STATE_SKIP_PAGER")});
+    }
 }
 
 void X11DesktopWindow::restack(Order order)
@@ -265,25 +300,22 @@ void X11DesktopWindow::restack(Order order)
     xcb_configure_window(m_connection.get(), m_window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
 }
 
-void X11DesktopWindow::hide()
+void X11DesktopWindow::unmap()
 {
-    if (!m_order)
-        return;
-    m_order.reset();
+    m_isMapped = false;
     xcb_unmap_window(m_connection.get(), m_window);
-    if (m_isManaged) {
-        // Tells the window manager that it is meant for good (ICCCM 4.1.4).
-        xcb_unmap_notify_event_t notice{};
-        notice.response_type = XCB_UNMAP_NOTIFY;
-        notice.event = m_connection.root();
-        notice.window = m_window;
-        xcb_send_event(m_connection.get(),
-            0,
-            m_connection.root(),
-            XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-            reinterpret_cast<const char*>(&notice));
-    }
-    xcb_flush(m_connection.get());
+    if (!m_isManaged)
+        return;
+    // Tells the window manager that it is meant for good (ICCCM 4.1.4).
+    xcb_unmap_notify_event_t notice{};
+    notice.response_type = XCB_UNMAP_NOTIFY;
+    notice.event = m_connection.root();
+    notice.window = m_window;
+    xcb_send_event(m_connection.get(),
+        0,
+        m_connection.root(),
+        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+        reinterpret_cast<const char*>(&notice));
 }
 
 template <typename Value>

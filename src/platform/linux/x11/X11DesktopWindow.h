@@ -5,6 +5,8 @@
 #include "platform/linux/x11/X11Connection.h"
 #include "platform/linux/x11/X11WindowManager.h"
 
+#include <QTimer>
+
 #include <optional>
 
 /// A desktop window on X11: managed as a window of type desktop where the window manager knows
@@ -26,7 +28,10 @@ private:
     void describe(const QRect& frame);
     void listen();
     void handle(const xcb_generic_event_t& event);
+    void applyChange();
     void map();
+    void unmap();
+    void describeBehavior();
     void restack(Order order);
     template <typename Value>
     void setProperty(const std::string& name, xcb_atom_t type, const std::vector<Value>& values);
@@ -35,8 +40,11 @@ private:
     X11Connection& m_connection;
     X11WindowManager& m_windowManager;
     xcb_window_t m_window = XCB_NONE;
-    bool m_isManaged = false;     // as it was last mapped
-    std::optional<Order> m_order; // none while hidden
+    WindowCollectionBehavior m_behavior{};
+    std::optional<Order> m_wantedOrder; // none to be hidden
+    QTimer m_change;                    // from the first wish of a turn to its end
+    bool m_isMapped = false;
+    bool m_isManaged = false; // as it was last mapped
     std::optional<Disposable> m_events;
     std::optional<Disposable> m_managerChanges;
 };

@@ -21,6 +21,14 @@ using X11ConnectionHandle = std::unique_ptr<xcb_connection_t, X11Deleter>;
 template <typename Reply>
 using X11Reply = std::unique_ptr<Reply, X11Deleter>;
 
+/// To be asked before any request of an extension: xcb answers one that the server does not have
+/// by closing the connection.
+inline bool hasExtension(xcb_connection_t* connection, xcb_extension_t& extension)
+{
+    const auto* reply = xcb_get_extension_data(connection, &extension); // belongs to xcb
+    return reply && reply->present;
+}
+
 /// Takes a reply that xcb allocated. Usage: `own(xcb_..._reply(connection, cookie, nullptr))`.
 template <typename Reply>
 X11Reply<Reply> own(Reply* reply)

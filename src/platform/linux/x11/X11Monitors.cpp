@@ -7,7 +7,7 @@
 QHash<QString, QRect> X11Monitors::frames()
 {
     auto* const x11 = X11Connection::shared();
-    if (!x11)
+    if (!x11 || !hasExtension(x11->get(), xcb_randr_id))
         return {};
     const auto monitors = own(xcb_randr_get_monitors_reply(
         x11->get(), xcb_randr_get_monitors(x11->get(), x11->root(), 1), nullptr));
