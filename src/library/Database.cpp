@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <chrono>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -54,7 +55,7 @@ void Database::Closer::operator()(sqlite3* connection) const
     sqlite3_close_v2(connection);
 }
 
-Database::Database(const QString& path) : m_path(path) {}
+Database::Database(QString path) : m_path(std::move(path)) {}
 
 bool Database::open()
 {

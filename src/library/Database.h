@@ -41,7 +41,7 @@ private:
 class Database {
 public:
     /// Opens nothing yet.
-    explicit Database(const QString& path);
+    explicit Database(QString path);
 
     const QString& databasePath() const { return m_path; }
 

@@ -15,7 +15,7 @@ public:
     static QString didPlayToEndTimeNotification();
 
     /// Takes a file URL; anything that is not a readable regular file fails once it is played.
-    explicit PlayerItem(const QUrl& url);
+    explicit PlayerItem(QUrl url);
 
     const QUrl& url() const { return m_url; }
     Status status() const { return m_status; }

@@ -50,7 +50,7 @@ void VideoPlayerManager::setVolume(float volume)
 std::optional<QUrl> VideoPlayerManager::playableUrl()
 {
     for (std::size_t tried = 0; tried < m_videoList.count(); ++tried) {
-        const auto url = videoUrl(m_videoList.current()->val.url);
+        auto url = videoUrl(m_videoList.current()->val.url);
         if (url && videoFileExists(*url))
             return url;
         m_videoList.advance();

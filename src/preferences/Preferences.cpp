@@ -94,11 +94,11 @@ void Preferences::setPlayModel(qint64 value)
 
 void Preferences::setPlayingVideoSign(const std::optional<QString>& value)
 {
-    const auto sign = value; // `value` may refer to the property itself
-    m_playingVideoSign = sign;
-    m_suite.setString(playingVideoSignKey, sign);
+    // Not `value` from here on: it may refer to the very property that observers change.
+    m_playingVideoSign = value;
+    m_suite.setString(playingVideoSignKey, m_playingVideoSign);
     m_suite.synchronize();
-    Q_EMIT playingVideoSignChanged(sign);
+    Q_EMIT playingVideoSignChanged(std::optional(m_playingVideoSign));
 }
 
 void Preferences::setVolume(float value)

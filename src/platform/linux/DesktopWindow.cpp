@@ -3,6 +3,7 @@
 #include "platform/linux/DesktopWindowBody.h"
 #include "platform/linux/x11/X11DesktopWindow.h"
 
+#include <algorithm>
 #include <utility>
 
 DesktopWindow::DesktopWindow(const QRect& contentRect,
@@ -72,11 +73,11 @@ void DesktopWindow::Body::expose(const QRect& dirtyRect)
 
 PlayerLayerView* DesktopWindow::Body::viewAt(const QPoint& location) const
 {
-    for (auto view = m_views.rbegin(); view != m_views.rend(); ++view) {
-        if ((*view)->frame().contains(location))
-            return view->get();
-    }
-    return nullptr;
+    // The one added last is in front.
+    const auto view = std::find_if(m_views.rbegin(), m_views.rend(), [&](const auto& candidate) {
+        return candidate->frame().contains(location);
+    });
+    return view == m_views.rend() ? nullptr : view->get();
 }
 
 void DesktopWindow::Body::press(const QPoint& location)

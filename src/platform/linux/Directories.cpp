@@ -10,7 +10,7 @@ namespace {
 
 std::optional<QString> absolutePathIn(const char* variable)
 {
-    const auto path = QFile::decodeName(qgetenv(variable));
+    auto path = QFile::decodeName(qgetenv(variable));
     if (!QDir::isAbsolutePath(path))
         return std::nullopt;
     return QDir::cleanPath(path);
@@ -25,7 +25,7 @@ QString child(const QString& directory, const QString& name)
 std::optional<QString> baseDirectory(
     const char* variable, const std::optional<QString>& home, const QString& belowHome)
 {
-    if (const auto path = absolutePathIn(variable))
+    if (auto path = absolutePathIn(variable))
         return path;
     if (home)
         return child(*home, belowHome);
@@ -35,7 +35,7 @@ std::optional<QString> baseDirectory(
 /// The home of the account itself, for a process that was started without an environment.
 std::optional<QString> accountHome()
 {
-    if (const auto home = absolutePathIn("HOME"))
+    if (auto home = absolutePathIn("HOME"))
         return home;
     const auto* account = getpwuid(getuid()); // NOLINT(concurrency-mt-unsafe): main thread only
     const auto home = account ? QFile::decodeName(account->pw_dir) : QString();

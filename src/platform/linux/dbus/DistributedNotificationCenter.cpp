@@ -1,11 +1,6 @@
-#include "platform/DistributedNotificationCenter.h"
+#include "platform/linux/dbus/DistributedNotificationCenterBody.h"
 
-#include "base/NotificationCenter.h"
-
-#include <QDBusConnection>
 #include <QDBusMessage>
-#include <QObject>
-#include <QVariantMap>
 
 #include <chrono>
 #include <utility>
@@ -18,32 +13,19 @@ const auto member = QStringLiteral("Posted");
 
 } // namespace
 
-/// Hears every notification on the bus and hands it to the observers of its name.
-class DistributedNotificationCenter::Body : public QObject {
-    Q_OBJECT
+DistributedNotificationCenter::Body::Body() : bus(QDBusConnection::sessionBus())
+{
+    bus.connect(
+        QString(), path, interfaceName, member, this, SLOT(deliver(QString, QString, QVariantMap)));
+}
 
-public:
-    Body() : bus(QDBusConnection::sessionBus())
-    {
-        bus.connect(QString(),
-            path,
-            interfaceName,
-            member,
-            this,
-            SLOT(deliver(QString, QString, QVariantMap)));
-    }
-
-    QDBusConnection bus;
-    NotificationCenter observers;
-
-public Q_SLOTS:
-    void deliver(const QString& name, const QString& object, const QVariantMap& userInformation)
-    {
-        Q_UNUSED(object)
-        Q_UNUSED(userInformation)
-        observers.post(name);
-    }
-};
+void DistributedNotificationCenter::Body::deliver(
+    const QString& name, const QString& object, const QVariantMap& userInformation)
+{
+    Q_UNUSED(object)
+    Q_UNUSED(userInformation)
+    observers.post(name);
+}
 
 DistributedNotificationCenter& DistributedNotificationCenter::defaultCenter()
 {
@@ -77,5 +59,3 @@ void DistributedNotificationCenter::post(const QString& name)
         QStringLiteral("GetId"));
     m_body->bus.call(flush, QDBus::Block, static_cast<int>(patience.count()));
 }
-
-#include "DistributedNotificationCenter.moc"

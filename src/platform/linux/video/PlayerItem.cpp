@@ -1,6 +1,8 @@
 #include "platform/PlayerItem.h"
 
-PlayerItem::PlayerItem(const QUrl& url) : m_url(url) {}
+#include <utility>
+
+PlayerItem::PlayerItem(QUrl url) : m_url(std::move(url)) {}
 
 QString PlayerItem::didPlayToEndTimeNotification()
 {

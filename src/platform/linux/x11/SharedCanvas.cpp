@@ -78,6 +78,12 @@ void SharedCanvas::attach(int descriptor)
         m_segment = XCB_NONE;
 }
 
+const std::uint8_t* SharedCanvas::pixelAt(const QPoint& point) const
+{
+    return m_pixels + static_cast<std::size_t>(point.y()) * m_stride +
+           static_cast<std::size_t>(point.x()) * bytesPerPixel;
+}
+
 void SharedCanvas::fillBlack()
 {
     std::memset(m_pixels, 0, byteCount());

@@ -2,6 +2,7 @@
 
 #include "platform/linux/x11/X11Handles.h"
 
+#include <QPoint>
 #include <QSize>
 
 #include <xcb/shm.h>
@@ -27,6 +28,7 @@ public:
     std::size_t stride() const { return m_stride; }
     std::size_t byteCount() const { return m_stride * static_cast<std::size_t>(m_size.height()); }
     std::uint8_t* pixels() const { return m_pixels; }
+    const std::uint8_t* pixelAt(const QPoint& point) const;
     /// The server's name of the memory, or none where it could not map it.
     xcb_shm_seg_t segment() const { return m_segment; }
 

@@ -158,10 +158,9 @@ void X11CpuPresenter::sendPixels(const Target& target)
         const int rows = std::min(rowsInStrip, target.source.height() - first);
         strip.resize(rowBytes * static_cast<std::size_t>(rows));
         for (int row = 0; row < rows; ++row) {
-            const auto y = static_cast<std::size_t>(target.source.y() + first + row);
-            const auto x = static_cast<std::size_t>(target.source.x());
+            const QPoint start(target.source.x(), target.source.y() + first + row);
             std::memcpy(strip.data() + static_cast<std::size_t>(row) * rowBytes,
-                target.canvas->pixels() + y * target.canvas->stride() + x * bytesPerPixel,
+                target.canvas->pixelAt(start),
                 rowBytes);
         }
         xcb_put_image(m_connection.get(),
