@@ -9,7 +9,9 @@
 #include <xcb/xinput.h>
 
 #include <array>
+#include <cstdio>
 #include <unistd.h>
+#include <utility>
 
 namespace {
 
@@ -84,6 +86,16 @@ void selectTouches(xcb_connection_t* connection, xcb_window_t window)
             XCB_INPUT_XI_EVENT_MASK_TOUCH_END; // the protocol wants all three or none
     } selection;
     xcb_input_xi_select_events(connection, window, 1, &selection.header);
+}
+
+/// Once is enough, however many windows there are.
+void reportImpossible()
+{
+    static bool hasReported = false;
+    if (!std::exchange(hasReported, true))
+        std::fputs("This Wayland compositor would show the wallpaper above all windows, "
+                   "so it stays hidden.\n",
+            stderr);
 }
 
 constexpr std::uint8_t primaryButton = 1;
@@ -185,12 +197,11 @@ void X11DesktopWindow::listen()
         primaryButton,
         XCB_MOD_MASK_ANY);
     selectTouches(m_connection.get(), m_window);
-    m_managerChanges =
-        observe(m_windowManager, &X11WindowManager::knowsDesktopWindowsChanged, [this] {
-            if (m_isMapped)
-                unmap();
-            applyChange();
-        });
+    m_managerChanges = observe(m_windowManager, &X11WindowManager::desktopWindowsChanged, [this] {
+        if (m_isMapped)
+            unmap();
+        applyChange();
+    });
     m_change.setSingleShot(true);
     m_change.callOnTimeout([this] { applyChange(); });
 }
@@ -255,7 +266,7 @@ void X11DesktopWindow::applyChange()
 {
     if (m_wantedOrder && !m_isMapped)
         map();
-    if (m_wantedOrder)
+    if (m_wantedOrder && m_isMapped)
         restack(*m_wantedOrder);
     else if (m_isMapped)
         unmap();
@@ -264,8 +275,13 @@ void X11DesktopWindow::applyChange()
 
 void X11DesktopWindow::map()
 {
+    using DesktopWindows = X11WindowManager::DesktopWindows;
+    if (m_windowManager.desktopWindows() == DesktopWindows::Impossible) {
+        reportImpossible();
+        return;
+    }
     m_isMapped = true;
-    m_isManaged = m_windowManager.knowsDesktopWindows();
+    m_isManaged = m_windowManager.desktopWindows() == DesktopWindows::Managed;
     const std::uint32_t bypasses = m_isManaged ? 0 : 1;
     xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_OVERRIDE_REDIRECT, &bypasses);
     describeBehavior();

@@ -1,20 +1,41 @@
 #include "platform/linux/x11/X11WindowManager.h"
 
+#include "platform/linux/x11/X11Monitors.h"
+
 #include <algorithm>
 #include <chrono>
+#include <string_view>
 
 using namespace std::chrono_literals;
 
-X11WindowManager::X11WindowManager(X11Connection& connection) : m_connection(connection)
+namespace {
+
+/// Recent ones have an extension that says so; older ones name their outputs so.
+bool isXwayland(X11Connection& x11)
+{
+    constexpr std::string_view name = "XWAYLAND";
+    const auto cookie = xcb_query_extension(x11.get(), name.size(), name.data());
+    const auto extension = own(xcb_query_extension_reply(x11.get(), cookie, nullptr));
+    if (extension && extension->present)
+        return true;
+    const auto monitors = X11Monitors::frames().keys();
+    return std::ranges::any_of(
+        monitors, [](const QString& monitor) { return monitor.startsWith(u"XWAYLAND"); });
+}
+
+} // namespace
+
+X11WindowManager::X11WindowManager(X11Connection& connection)
+    : m_connection(connection), m_isXwayland(isXwayland(connection))
 {
     probe();
     m_settling.setSingleShot(true);
     m_settling.setInterval(300ms);
     connect(&m_settling, &QTimer::timeout, this, [this] {
-        const auto before = m_knowsDesktopWindows;
+        const auto before = m_desktopWindows;
         probe();
-        if (m_knowsDesktopWindows != before)
-            Q_EMIT knowsDesktopWindowsChanged();
+        if (m_desktopWindows != before)
+            Q_EMIT desktopWindowsChanged();
     });
     connect(&m_connection, &X11Connection::rootPropertyChanged, this, [this](quint32 atom) {
         if (atom == m_connection.atom("_NET_SUPPORTING_WM_CHECK") ||
@@ -40,7 +61,7 @@ xcb_window_t X11WindowManager::checkWindow()
 void X11WindowManager::probe()
 {
     m_checkWindowWatch.reset();
-    m_knowsDesktopWindows = false;
+    m_desktopWindows = m_isXwayland ? DesktopWindows::Impossible : DesktopWindows::Bypassing;
     const auto window = checkWindow();
     if (window == XCB_NONE)
         return;
@@ -55,7 +76,7 @@ void X11WindowManager::probe()
 
     const auto supported =
         m_connection.property(m_connection.root(), "_NET_SUPPORTED", XCB_ATOM_ATOM);
-    m_knowsDesktopWindows =
-        std::ranges::find(supported, m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP")) !=
-        supported.end();
+    const auto desktopType = m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP");
+    if (std::ranges::find(supported, desktopType) != supported.end())
+        m_desktopWindows = DesktopWindows::Managed;
 }

@@ -16,19 +16,28 @@ class X11WindowManager : public QObject {
 public:
     explicit X11WindowManager(X11Connection& connection);
 
-    /// Whether a window manager runs that lists the desktop type among what it supports. Tiling
-    /// window managers do not, and would place such a window among the others.
-    bool knowsDesktopWindows() const { return m_knowsDesktopWindows; }
+    enum class DesktopWindows {
+        /// A window manager runs that lists the desktop type among what it supports.
+        Managed,
+        /// There is none, or a tiling one that would place such a window among the others: it has
+        /// to bypass the window manager and stay at the bottom of the stack by itself.
+        Bypassing,
+        /// The same below a Wayland compositor, which shows windows that bypass it above all
+        /// others.
+        Impossible,
+    };
+    DesktopWindows desktopWindows() const { return m_desktopWindows; }
 
 Q_SIGNALS:
-    void knowsDesktopWindowsChanged();
+    void desktopWindowsChanged();
 
 private:
     void probe();
     xcb_window_t checkWindow();
 
     X11Connection& m_connection;
-    bool m_knowsDesktopWindows = false;
+    bool m_isXwayland;
+    DesktopWindows m_desktopWindows = DesktopWindows::Bypassing;
     QTimer m_settling; // a window manager sets its properties one after the other
     std::optional<Disposable> m_checkWindowWatch;
 };
