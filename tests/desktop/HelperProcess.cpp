@@ -56,6 +56,8 @@ void HelperProcess::start()
 {
     auto environment = m_desktop.environment();
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home.path());
+    if (!m_checksLeaks)
+        environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
     m_process.setProcessEnvironment(environment);
     m_process.start(program(), {});
     if (!m_process.waitForStarted())

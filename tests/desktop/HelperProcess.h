@@ -22,6 +22,8 @@ public:
     void addRow(const QString& sign, const QString& file);
     QString videoFile(const QString& sign) const;
 
+    /// For the next start.
+    void ignoreLeaks() { m_checksLeaks = false; }
     static QString program();
     void start();
     /// True if it is gone by itself or by now.
@@ -37,4 +39,5 @@ private:
     TemporaryHome m_home;
     QProcess m_process;
     QByteArray m_output;
+    bool m_checksLeaks = true;
 };

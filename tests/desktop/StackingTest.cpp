@@ -84,6 +84,8 @@ private Q_SLOTS:
     {
         auto desktop = std::make_unique<VirtualDesktop>();
         HelperProcess helper(*desktop);
+        // Qt ends the process on the spot, which a leak check would take for a leak of everything.
+        helper.ignoreLeaks();
         helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
         helper.start();
         QTRY_COMPARE(desktop->leftColour(), QStringLiteral("red"));

@@ -41,6 +41,8 @@ constexpr Option options[] = {
     {"input-vo-keyboard", "no"},
     {"terminal", "no"},
     {"stop-screensaver", "no"},
+    // What desktops have. The others of libmpv's list only cost time where there is no sound.
+    {"ao", "pipewire,pulse,alsa"},
     {"audio-client-name", "TavelorHelper"},
     // A local file needs little read ahead.
     {"cache", "no"},
