@@ -1,0 +1,78 @@
+#include "companion/CommandHandlers.h"
+#include "companion/Output.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace {
+
+/// The one entry whose sign is, or begins with, what the person typed.
+LibraryEditor::Entry entryOfPrefix(Companion& companion, const QString& prefix)
+{
+    std::vector<LibraryEditor::Entry> matches;
+    for (auto& entry : companion.entries()) {
+        if (entry.sign == prefix)
+            return entry;
+        if (entry.sign.startsWith(prefix))
+            matches.push_back(std::move(entry));
+    }
+    if (matches.empty())
+        throw CommandError{prefix, QStringLiteral("no video of this sign in the library")};
+    if (matches.size() > 1) {
+        throw CommandError{
+            prefix, QStringLiteral("%1 videos' signs begin like this").arg(matches.size())};
+    }
+    return matches.front();
+}
+
+} // namespace
+
+ExitStatus CommandHandlers::list(Companion& companion, const Arguments& arguments)
+{
+    const auto entries = companion.entries();
+    const auto chosen = companion.preferences().playingVideoSign();
+    if (arguments.isJson) {
+        QJsonArray rows;
+        for (const auto& entry : entries) {
+            rows.append(QJsonObject{{"sign", entry.sign},
+                {"title", entry.title},
+                {"bytes", entry.bytes},
+                {"seconds", entry.seconds},
+                {"width", entry.width},
+                {"height", entry.height},
+                {"path", Output::pathText(entry.url)},
+                {"chosen", entry.sign == chosen}});
+        }
+        Output::print(QJsonDocument(rows));
+        return ExitStatus::Done;
+    }
+    qsizetype titleWidth = 0;
+    for (const auto& entry : entries)
+        titleWidth = std::max(titleWidth, std::min<qsizetype>(32, entry.title.size()));
+    for (const auto& entry : entries) {
+        Output::print(QStringLiteral("%1 %2  %3  %4  %5  %6")
+                          .arg(entry.sign == chosen ? u"*" : u" ",
+                              entry.sign,
+                              entry.title.left(titleWidth).leftJustified(titleWidth),
+                              Output::sizeText(entry.bytes).rightJustified(9),
+                              Output::lengthText(entry.seconds).rightJustified(6),
+                              Output::pathText(entry.url)));
+    }
+    return ExitStatus::Done;
+}
+
+ExitStatus CommandHandlers::choose(Companion& companion, const Arguments& arguments)
+{
+    const auto entry = entryOfPrefix(companion, arguments.words.constFirst());
+    auto& preferences = companion.preferences();
+    preferences.setPlayingVideoSign(entry.sign);
+    // A running helper does the same for a new sign, but not for the one that it has, and one
+    // that starts later does what it finds.
+    if (!preferences.isOpenPlayer())
+        preferences.setIsOpenPlayer(true);
+    if (!preferences.isPlaying())
+        preferences.setIsPlaying(true);
+    return ExitStatus::Done;
+}
