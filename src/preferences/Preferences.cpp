@@ -68,83 +68,120 @@ void Preferences::load()
     m_autolaunch = m_suite.boolean(autolaunchKey);
 }
 
+/// What every setter does, in this order: the field, the file, the observers.
+template <typename Value, typename Write, typename Signal>
+void Preferences::assign(Value& field,
+    Value value, // by value: it may come from the very field that observers change
+    Write write,
+    const QString& key,
+    Synchronize synchronize,
+    Signal changed)
+{
+    field = value;
+    (m_suite.*write)(key, value);
+    if (synchronize == Synchronize::Yes)
+        m_suite.synchronize();
+    Q_EMIT(this->*changed)(value);
+}
+
 void Preferences::setMonitorArrange(qint64 value)
 {
-    m_monitorArrange = value;
-    m_suite.setInteger(monitorArrangeKey, value);
-    m_suite.synchronize();
-    Q_EMIT monitorArrangeChanged(value);
+    assign(m_monitorArrange,
+        value,
+        &PreferencesSuite::setInteger,
+        monitorArrangeKey,
+        Synchronize::Yes,
+        &Preferences::monitorArrangeChanged);
 }
 
 void Preferences::setScreenIndex(qint64 value)
 {
-    m_screenIndex = value;
-    m_suite.setInteger(screenIndexKey, value);
-    m_suite.synchronize();
-    Q_EMIT screenIndexChanged(value);
+    assign(m_screenIndex,
+        value,
+        &PreferencesSuite::setInteger,
+        screenIndexKey,
+        Synchronize::Yes,
+        &Preferences::screenIndexChanged);
 }
 
 void Preferences::setPlayModel(qint64 value)
 {
-    m_playModel = value;
-    m_suite.setInteger(playModelKey, value);
-    m_suite.synchronize();
-    Q_EMIT playModelChanged(value);
+    assign(m_playModel,
+        value,
+        &PreferencesSuite::setInteger,
+        playModelKey,
+        Synchronize::Yes,
+        &Preferences::playModelChanged);
 }
 
 void Preferences::setPlayingVideoSign(const std::optional<QString>& value)
 {
-    // Not `value` from here on: it may refer to the very property that observers change.
-    m_playingVideoSign = value;
-    m_suite.setString(playingVideoSignKey, m_playingVideoSign);
-    m_suite.synchronize();
-    Q_EMIT playingVideoSignChanged(std::optional(m_playingVideoSign));
+    assign<std::optional<QString>>(m_playingVideoSign,
+        value,
+        &PreferencesSuite::setString,
+        playingVideoSignKey,
+        Synchronize::Yes,
+        &Preferences::playingVideoSignChanged);
 }
 
 void Preferences::setVolume(float value)
 {
-    m_volume = value;
-    m_suite.setFloat(volumeKey, value);
-    m_suite.synchronize();
-    Q_EMIT volumeChanged(value);
+    assign(m_volume,
+        value,
+        &PreferencesSuite::setFloat,
+        volumeKey,
+        Synchronize::Yes,
+        &Preferences::volumeChanged);
 }
 
 void Preferences::setMute(bool value)
 {
-    m_mute = value;
-    m_suite.setBoolean(muteKey, value);
-    m_suite.synchronize();
-    Q_EMIT muteChanged(value);
+    assign(m_mute,
+        value,
+        &PreferencesSuite::setBoolean,
+        muteKey,
+        Synchronize::Yes,
+        &Preferences::muteChanged);
 }
 
 void Preferences::setAlreadyImportVideo(bool value)
 {
-    m_alreadyImportVideo = value;
-    m_suite.setBoolean(alreadyImportVideoKey, value);
-    Q_EMIT alreadyImportVideoChanged(value);
+    assign(m_alreadyImportVideo,
+        value,
+        &PreferencesSuite::setBoolean,
+        alreadyImportVideoKey,
+        Synchronize::No,
+        &Preferences::alreadyImportVideoChanged);
 }
 
 void Preferences::setIsOpenPlayer(bool value)
 {
-    m_isOpenPlayer = value;
-    m_suite.setBoolean(isOpenPlayerKey, value);
-    m_suite.synchronize();
-    Q_EMIT isOpenPlayerChanged(value);
+    assign(m_isOpenPlayer,
+        value,
+        &PreferencesSuite::setBoolean,
+        isOpenPlayerKey,
+        Synchronize::Yes,
+        &Preferences::isOpenPlayerChanged);
 }
 
 void Preferences::setIsPlaying(bool value)
 {
-    m_isPlaying = value;
-    m_suite.setBoolean(isPlayingKey, value);
-    m_suite.synchronize();
-    Q_EMIT isPlayingChanged(value);
+    assign(m_isPlaying,
+        value,
+        &PreferencesSuite::setBoolean,
+        isPlayingKey,
+        Synchronize::Yes,
+        &Preferences::isPlayingChanged);
 }
 
 void Preferences::setAutolaunch(bool value)
 {
-    m_autolaunch = value;
-    m_suite.setBoolean(autolaunchKey, value);
-    Q_EMIT autolaunchChanged(value);
+    assign(m_autolaunch,
+        value,
+        &PreferencesSuite::setBoolean,
+        autolaunchKey,
+        Synchronize::No,
+        &Preferences::autolaunchChanged);
 }
 
 void Preferences::updateUserDefaultFromDisk()

@@ -86,6 +86,15 @@ private:
     void seed();
     void load();
 
+    enum class Synchronize { No, Yes };
+    template <typename Value, typename Write, typename Signal>
+    void assign(Value& field,
+        Value value,
+        Write write,
+        const QString& key,
+        Synchronize synchronize,
+        Signal changed);
+
     PreferencesSuite& m_suite;
     QTimer m_refreshTimer;
 
