@@ -64,6 +64,21 @@ private Q_SLOTS:
             helper.process().readAllStandardError(); // Qt says that it misses it
     }
 
+    void secondaryButton_opensTheWindowManagersMenu()
+    {
+        VirtualDesktop desktop;
+        desktop.startWindowManager();
+        HelperProcess helper(desktop);
+        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
+        helper.start();
+        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
+
+        desktop.moveAndClick({600, 300}, 3);
+
+        QTRY_VERIFY(desktop.colour({620, 330}) != u"red");
+        QVERIFY(!helper.lines().contains(u"mouse down"));
+    }
+
     void requestToClose_isIgnored()
     {
         VirtualDesktop desktop;

@@ -99,6 +99,8 @@ void reportImpossible()
 }
 
 constexpr std::uint8_t primaryButton = 1;
+constexpr std::uint8_t middleButton = 2;
+constexpr std::uint8_t secondaryButton = 3;
 
 } // namespace
 
@@ -184,18 +186,20 @@ void X11DesktopWindow::listen()
 {
     m_events =
         m_connection.watch(m_window, [this](const xcb_generic_event_t& event) { handle(event); });
-    // A grab and not an event mask: the other buttons then reach the root window, and with it the
-    // menus that window managers open there.
-    xcb_grab_button(m_connection.get(),
-        0,
-        m_window,
-        XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
-        XCB_GRAB_MODE_ASYNC,
-        XCB_GRAB_MODE_ASYNC,
-        XCB_NONE,
-        XCB_NONE,
-        primaryButton,
-        XCB_MOD_MASK_ANY);
+    // Grabs and not an event mask, because a window manager may have some of the buttons already:
+    // then only those fail.
+    for (const auto button : {primaryButton, middleButton, secondaryButton}) {
+        xcb_grab_button(m_connection.get(),
+            0,
+            m_window,
+            XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
+            XCB_GRAB_MODE_ASYNC,
+            XCB_GRAB_MODE_ASYNC,
+            XCB_NONE,
+            XCB_NONE,
+            button,
+            XCB_MOD_MASK_ANY);
+    }
     selectTouches(m_connection.get(), m_window);
     m_managerChanges = observe(m_windowManager, &X11WindowManager::desktopWindowsChanged, [this] {
         if (m_isMapped)
@@ -216,12 +220,16 @@ void X11DesktopWindow::handle(const xcb_generic_event_t& event)
     }
     case XCB_BUTTON_PRESS: {
         const auto& button = reinterpret_cast<const xcb_button_press_event_t&>(event);
-        press({button.event_x, button.event_y});
+        if (button.detail == primaryButton)
+            press({button.event_x, button.event_y});
+        else
+            passToRoot(button);
         break;
     }
     case XCB_BUTTON_RELEASE: {
         const auto& button = reinterpret_cast<const xcb_button_release_event_t&>(event);
-        release({button.event_x, button.event_y});
+        if (button.detail == primaryButton)
+            release({button.event_x, button.event_y});
         break;
     }
     case XCB_GE_GENERIC: {
@@ -234,6 +242,25 @@ void X11DesktopWindow::handle(const xcb_generic_event_t& event)
     default:
         break;
     }
+}
+
+/// The root window's menus, which many window managers have, shall open on the wallpaper as they do
+/// on a bare desktop.
+void X11DesktopWindow::passToRoot(const xcb_button_press_event_t& button)
+{
+    auto* const x11 = m_connection.get();
+    xcb_ungrab_pointer(x11, button.time); // or the menu could not take it
+    auto passed = button;
+    passed.event = m_connection.root();
+    passed.child = XCB_NONE;
+    passed.event_x = button.root_x;
+    passed.event_y = button.root_y;
+    xcb_send_event(x11,
+        0,
+        m_connection.root(),
+        XCB_EVENT_MASK_BUTTON_PRESS,
+        reinterpret_cast<const char*>(&passed));
+    xcb_flush(x11);
 }
 
 void X11DesktopWindow::setCollectionBehavior(WindowCollectionBehavior behavior)

@@ -28,6 +28,7 @@ private:
     void describe(const QRect& frame);
     void listen();
     void handle(const xcb_generic_event_t& event);
+    void passToRoot(const xcb_button_press_event_t& button);
     void applyChange();
     void map();
     void unmap();
