@@ -47,6 +47,7 @@ public:
 
     /// Creates the file if it does not exist.
     bool open();
+    bool isOpen() const { return m_connection != nullptr; }
 
     /// None when the database is not open or the statement cannot run. Arguments are bound as
     /// text to the question marks, in order.

@@ -126,7 +126,16 @@ std::deque<VideoDetail> LocalVideoDBManager::videos(
         m_lastReading = Reading::Complete;
     else
         m_lastReading = m_db.isBusy() ? Reading::Busy : Reading::Failed;
+    if (m_lastReading == Reading::Failed && m_db.isOpen())
+        reportFailure(m_db.lastErrorMessage());
     return videos;
+}
+
+/// Once for each reason, because the library is read again and again.
+void LocalVideoDBManager::reportFailure(const QString& reason)
+{
+    if (std::exchange(m_reportedFailure, reason) != reason)
+        printLine(QStringLiteral("cannot read the library: %1").arg(reason), stderr);
 }
 
 std::deque<VideoDetail> LocalVideoDBManager::allVideos()

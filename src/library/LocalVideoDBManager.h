@@ -12,7 +12,8 @@
 /// `Fendix.db`, whose schema is its importing companion's. Main thread only.
 ///
 /// Nothing here fails towards the caller: what cannot be read is not there. The lines on standard
-/// output (the path, "db open failure", "delete SIGN true") are for whoever looks for the reason.
+/// output (the path, "db open failure", "delete SIGN true") and the one on standard error are for
+/// whoever looks for the reason.
 class LocalVideoDBManager {
 public:
     static LocalVideoDBManager& shared();
@@ -42,6 +43,9 @@ public:
 private:
     std::deque<VideoDetail> videos(const QString& sql, const QStringList& arguments);
 
+    void reportFailure(const QString& reason);
+
     Database m_db;
+    QString m_reportedFailure;
     Reading m_lastReading = Reading::Failed;
 };
