@@ -23,7 +23,7 @@ constexpr qsizetype anyNumber = 1 << 20;
 constexpr std::array commands{
     Command{"import",
         "PATH...",
-        "add video files, or the videos in a folder",
+        "add video files, or those directly in a folder",
         1,
         anyNumber,
         true,

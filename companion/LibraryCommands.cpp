@@ -1,5 +1,6 @@
 #include "companion/CommandHandlers.h"
 #include "companion/Output.h"
+#include "library/VideoUrl.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -11,6 +12,8 @@ namespace {
 /// The one entry whose sign is, or begins with, what the person typed.
 LibraryEditor::Entry entryOfPrefix(Companion& companion, const QString& prefix)
 {
+    if (prefix.isEmpty())
+        throw CommandError{QStringLiteral("choose"), QStringLiteral("needs a sign")};
     std::vector<LibraryEditor::Entry> matches;
     for (auto& entry : companion.entries()) {
         if (entry.sign == prefix)
@@ -66,6 +69,10 @@ ExitStatus CommandHandlers::list(Companion& companion, const Arguments& argument
 ExitStatus CommandHandlers::choose(Companion& companion, const Arguments& arguments)
 {
     const auto entry = entryOfPrefix(companion, arguments.words.constFirst());
+    if (!videoFileExists(entry.url)) {
+        Output::printError(Output::pathText(entry.url),
+            QStringLiteral("the file is gone; a running helper drops it from the library"));
+    }
     auto& preferences = companion.preferences();
     preferences.setPlayingVideoSign(entry.sign);
     // A running helper does the same for a new sign, but not for the one that it has, and one

@@ -35,7 +35,9 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
     const auto screens = nameOf(screenNames, preferences.monitorArrange());
     const bool isSingleScreen =
         preferences.monitorArrange() == static_cast<qint64>(VideoPlayerScreenType::lonely);
-    const auto volume = std::lround(100 * preferences.volume());
+    // What is heard: the helper limits it, and takes what is not a number for silence.
+    const auto gain = std::isnan(preferences.volume()) ? 0.0F : preferences.volume();
+    const auto volume = std::lround(100 * std::clamp(gain, 0.0F, 1.0F));
 
     if (arguments.isJson) {
         QJsonObject object{{"running", isRunning},
@@ -58,7 +60,8 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
     const auto state = !preferences.isOpenPlayer() ? u"closed"
                        : preferences.isPlaying()   ? u"playing"
                                                    : u"paused";
-    Output::print(QStringLiteral("helper     %1").arg(isRunning ? u"running" : u"not running"));
+    Output::print(QStringLiteral("helper     %1")
+                      .arg(isRunning ? u"running" : u"not running in this session"));
     Output::print(QStringLiteral("wallpaper  %1").arg(state));
     Output::print(
         QStringLiteral("video      %1")
@@ -70,6 +73,8 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
             : QStringLiteral("screens    %1").arg(screens));
     Output::print(
         QStringLiteral("volume     %1%2").arg(volume).arg(preferences.mute() ? u", muted" : u""));
-    Output::print(QStringLiteral("library    %1 videos").arg(entries.size()));
+    Output::print(QStringLiteral("library    %1 %2")
+                      .arg(entries.size())
+                      .arg(entries.size() == 1 ? u"video" : u"videos"));
     return ExitStatus::Done;
 }
