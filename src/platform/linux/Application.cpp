@@ -12,6 +12,7 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <malloc.h>
 #include <optional>
 
 using namespace std::chrono_literals;
@@ -49,8 +50,20 @@ private:
     QByteArray m_preferred = qgetenv(variable);
 };
 
+/// Keeps the memory of one video from staying with the process when the next one plays. Pictures
+/// are megabytes: beyond a fixed size (glibc would raise it by itself) they go back to the system
+/// as they are freed, and the decoder's threads share their heaps.
+void limitRetainedMemory()
+{
+    constexpr int pictureSize = 256 * 1024;
+    mallopt(M_MMAP_THRESHOLD, pictureSize);
+    mallopt(M_TRIM_THRESHOLD, pictureSize);
+    mallopt(M_ARENA_MAX, 2);
+}
+
 int& prepare(int& argc)
 {
+    limitRetainedMemory();
     requireDisplay();
     return argc;
 }
