@@ -67,7 +67,6 @@ void VideoPlayerManager::replaceItem(const std::optional<QUrl>& url)
 
 void VideoPlayerManager::observeStatus()
 {
-    m_statusObservation.reset();
     if (const auto* item = m_player->currentItem()) {
         m_statusObservation = observe(*item, &PlayerItem::statusChanged, [this, item] {
             observeValueForKeyPath(QStringLiteral("status"), *item);
