@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 /// The main thread's connection to the X server, apart from Qt's. Its errors are other clients'
 /// windows that died meanwhile and are dropped; a connection that breaks ends the application.
