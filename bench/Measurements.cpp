@@ -5,7 +5,6 @@
 
 #include <cstdio>
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace {
 
@@ -26,14 +25,6 @@ double childrensSeconds()
 }
 
 } // namespace
-
-double Measurements::processorSeconds(qint64 process)
-{
-    const auto status = contents(QStringLiteral("/proc/%1/stat").arg(process));
-    const auto fields = status.mid(status.lastIndexOf(')')).split(' ');
-    return static_cast<double>(fields[12].toLongLong() + fields[13].toLongLong()) /
-           static_cast<double>(sysconf(_SC_CLK_TCK));
-}
 
 double Measurements::proportionalMemory(qint64 process)
 {

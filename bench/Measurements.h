@@ -6,8 +6,6 @@
 /// What a process costs, as the system accounts for it.
 namespace Measurements {
 
-/// Processor seconds that a running process and its threads have used.
-double processorSeconds(qint64 process);
 /// Megabytes (10^6), each shared page counted in part.
 double proportionalMemory(qint64 process);
 /// Processor seconds that a command uses until it ends.

@@ -72,19 +72,18 @@ void restart(HelperProcess& helper)
 
 Playing measurePlaying(HelperProcess& helper, PictureWatcher& watcher, int monitors)
 {
-    const auto process = helper.process().processId();
-    const auto before = processorSeconds(process);
+    const auto before = helper.processorSeconds();
     const auto pictures = watcher.watch(watched);
-    return {(processorSeconds(process) - before) / watched,
+    return {(helper.processorSeconds() - before) / watched,
         watched * framesPerSecond - static_cast<double>(pictures.size()) / monitors};
 }
 
 double measureIdle(HelperProcess& helper)
 {
     sleepFor(2);
-    const auto before = processorSeconds(helper.process().processId());
+    const auto before = helper.processorSeconds();
     sleepFor(watched);
-    return 100 * (processorSeconds(helper.process().processId()) - before) / watched;
+    return 100 * (helper.processorSeconds() - before) / watched;
 }
 
 void benchPlaying(const QString& source, double decode)

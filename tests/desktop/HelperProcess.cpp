@@ -9,6 +9,8 @@
 #include <QTest>
 #include <QUrl>
 
+#include <unistd.h>
+
 HelperProcess::HelperProcess(VirtualDesktop& desktop) : m_desktop(desktop)
 {
     VideoRows::createTable(m_home.databaseFile());
@@ -67,6 +69,15 @@ void HelperProcess::start()
 bool HelperProcess::waitForEnd(int milliseconds)
 {
     return m_process.state() == QProcess::NotRunning || m_process.waitForFinished(milliseconds);
+}
+
+double HelperProcess::processorSeconds() const
+{
+    const auto status =
+        TemporaryHome::contents(QStringLiteral("/proc/%1/stat").arg(m_process.processId()));
+    const auto fields = status.mid(status.lastIndexOf(')')).split(' ');
+    return static_cast<double>(fields[12].toLongLong() + fields[13].toLongLong()) /
+           static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
 QStringList HelperProcess::lines()

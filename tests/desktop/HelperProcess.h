@@ -29,6 +29,8 @@ public:
     /// True if it is gone by itself or by now.
     bool waitForEnd(int milliseconds = 5000);
     QProcess& process() { return m_process; }
+    /// What it and its threads have used so far.
+    double processorSeconds() const;
     /// All lines that it has written to standard output so far.
     QStringList lines();
     /// Says "UpdateVideoList" on the bus, as the importing companion does.

@@ -5,9 +5,8 @@
 
 #include <QTest>
 
-#include <sqlite3.h>
-
 #include <cstdio>
+#include <optional>
 #include <unistd.h>
 
 namespace {
@@ -170,15 +169,12 @@ private Q_SLOTS:
         VideoRows::createTable(file);
         VideoRows::insert(file, {VideoRows::row(QStringLiteral("a"), fileUrl)});
         const auto library = fixture.open();
-        sqlite3* writer = nullptr;
-        sqlite3_open(file.toUtf8().constData(), &writer);
-        sqlite3_exec(writer, "begin exclusive", nullptr, nullptr, nullptr);
+        std::optional<VideoRows::Writer> writer(file);
 
         QVERIFY(library->allVideos().empty());
         QVERIFY(library->lastReading() == LocalVideoDBManager::Reading::Busy);
 
-        sqlite3_exec(writer, "commit", nullptr, nullptr, nullptr);
-        sqlite3_close(writer);
+        writer.reset();
         QCOMPARE(library->allVideos().size(), std::size_t{1});
         QVERIFY(library->lastReading() == LocalVideoDBManager::Reading::Complete);
     }

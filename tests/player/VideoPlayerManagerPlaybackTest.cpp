@@ -3,9 +3,8 @@
 #include <QDir>
 #include <QTest>
 
-#include <sqlite3.h>
-
 #include <algorithm>
+#include <optional>
 
 using Fixture = ManagerFixture;
 
@@ -84,14 +83,11 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.start();
         QFile::remove(fixture.file(QStringLiteral("b")));
-        sqlite3* writer = nullptr;
-        sqlite3_open(fixture.home.databaseFile().toUtf8().constData(), &writer);
-        sqlite3_exec(writer, "begin exclusive", nullptr, nullptr, nullptr);
+        std::optional<VideoRows::Writer> writer(fixture.home.databaseFile());
 
         fixture.preferences->setPlayingVideoSign(QStringLiteral("b"));
 
-        sqlite3_exec(writer, "rollback", nullptr, nullptr, nullptr);
-        sqlite3_close(writer);
+        writer.reset();
         QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({"a", "b", "c"}));
     }
 
@@ -99,15 +95,12 @@ private Q_SLOTS:
     {
         Fixture fixture(QStringLiteral("abc"), "PlayModel=1\n");
         fixture.start();
-        sqlite3* writer = nullptr;
-        sqlite3_open(fixture.home.databaseFile().toUtf8().constData(), &writer);
-        sqlite3_exec(writer, "begin exclusive", nullptr, nullptr, nullptr);
+        std::optional<VideoRows::Writer> writer(fixture.home.databaseFile());
 
         fixture.preferences->setPlayingVideoSign(QStringLiteral("c"));
         fixture.endItem();                             // goes on to the next meanwhile
         QCOMPARE(fixture.sign(), QStringLiteral("c")); // and keeps the choice
-        sqlite3_exec(writer, "rollback", nullptr, nullptr, nullptr);
-        sqlite3_close(writer);
+        writer.reset();
 
         QTRY_COMPARE(Fixture::playing(), QStringLiteral("c"));
         QCOMPARE(fixture.sign(), QStringLiteral("c"));
@@ -117,15 +110,12 @@ private Q_SLOTS:
     {
         Fixture fixture(QStringLiteral("ab"), "PlayModel=1\n");
         fixture.start();
-        sqlite3* writer = nullptr;
-        sqlite3_open(fixture.home.databaseFile().toUtf8().constData(), &writer);
-        sqlite3_exec(writer, "begin exclusive", nullptr, nullptr, nullptr);
+        std::optional<VideoRows::Writer> writer(fixture.home.databaseFile());
 
         fixture.distributedCenter.post(QStringLiteral("UpdateVideoList"));
         fixture.endItem();
         QCOMPARE(Fixture::playing(), QStringLiteral("nothing"));
-        sqlite3_exec(writer, "commit", nullptr, nullptr, nullptr);
-        sqlite3_close(writer);
+        writer.reset();
 
         QTRY_COMPARE(Fixture::playing(), QStringLiteral("a"));
     }

@@ -36,6 +36,16 @@ QString quoted(QString text)
 
 } // namespace
 
+VideoRows::Writer::Writer(const QString& databaseFile) : m_connection(open(databaseFile).release())
+{
+    run(m_connection.get(), QStringLiteral("begin exclusive"));
+}
+
+void VideoRows::Writer::Closer::operator()(sqlite3* connection) const
+{
+    sqlite3_close(connection); // ends the transaction
+}
+
 void VideoRows::createTable(const QString& databaseFile)
 {
     execute(databaseFile,

@@ -4,11 +4,26 @@
 
 #include <QString>
 
+#include <memory>
 #include <vector>
+
+struct sqlite3;
 
 /// The library's file as the importing companion writes it, and rows for it. The schema here is
 /// the tests' own, so that they do not follow ours into an error.
 namespace VideoRows {
+
+/// Another program that writes to the file, and keeps everybody else out while it lives.
+class Writer {
+public:
+    explicit Writer(const QString& databaseFile);
+
+private:
+    struct Closer {
+        void operator()(sqlite3* connection) const;
+    };
+    std::unique_ptr<sqlite3, Closer> m_connection;
+};
 
 /// Makes the file, with an empty table that has all columns.
 void createTable(const QString& databaseFile);
