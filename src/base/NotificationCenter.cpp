@@ -7,7 +7,7 @@
 struct NotificationCenter::Registry {
     struct Observation {
         QString name;
-        std::function<void()> observer; // empty once the observation has ended
+        Observer observer; // empty once the observation has ended
     };
     std::vector<std::shared_ptr<Observation>> observations;
 };
@@ -22,7 +22,7 @@ NotificationCenter& NotificationCenter::defaultCenter()
     return center;
 }
 
-Disposable NotificationCenter::addObserver(const QString& name, std::function<void()> observer)
+Disposable NotificationCenter::addObserver(const QString& name, Observer observer)
 {
     auto observation =
         std::make_shared<Registry::Observation>(Registry::Observation{name, std::move(observer)});
@@ -34,7 +34,12 @@ Disposable NotificationCenter::addObserver(const QString& name, std::function<vo
     });
 }
 
-void NotificationCenter::post(const QString& name)
+Disposable NotificationCenter::addObserver(const QString& name, std::function<void()> observer)
+{
+    return addObserver(name, [observer = std::move(observer)](const QVariant&) { observer(); });
+}
+
+void NotificationCenter::post(const QString& name, const QVariant& userInformation)
 {
     // A copy, because observers may add and remove observations while they run.
     const auto observations = m_registry->observations;
@@ -43,6 +48,6 @@ void NotificationCenter::post(const QString& name)
             continue;
         // Another copy: an observer that ends its own observation must not free itself.
         if (const auto observer = observation->observer)
-            observer();
+            observer(userInformation);
     }
 }

@@ -3,6 +3,7 @@
 #include "base/Disposable.h"
 
 #include <QString>
+#include <QVariant>
 
 #include <functional>
 #include <memory>
@@ -21,9 +22,14 @@ public:
 
     static NotificationCenter& defaultCenter();
 
+    /// Gets what the poster says of the event, an invalid variant where it says nothing.
+    using Observer = std::function<void(const QVariant& userInformation)>;
+
     /// The observation ends with the token; tokens may outlive the centre.
+    [[nodiscard]] Disposable addObserver(const QString& name, Observer observer);
+    /// For an observer that the event alone is enough for.
     [[nodiscard]] Disposable addObserver(const QString& name, std::function<void()> observer);
-    void post(const QString& name);
+    void post(const QString& name, const QVariant& userInformation = {});
 
 private:
     struct Registry;
