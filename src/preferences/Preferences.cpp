@@ -1,6 +1,6 @@
 #include "preferences/Preferences.h"
 
-#include "identity/AppInfo.h"
+#include "identity/GroupPreferences.h"
 
 namespace {
 
@@ -20,12 +20,7 @@ const auto autolaunchKey = QStringLiteral("autolaunch");
 
 Preferences& Preferences::shared()
 {
-    static auto suite = PreferencesSuite::open(AppInfo::applicationGroupIdentifier(),
-        AppInfo::shared().directoryUrl(SearchPathDirectory::Preferences).toLocalFile());
-    if (!suite)
-        qFatal("The preferences suite %s cannot be opened.",
-            qUtf8Printable(AppInfo::applicationGroupIdentifier()));
-    static Preferences preferences(*suite);
+    static Preferences preferences(groupPreferences());
     if (!preferences.m_refreshTimer.isActive())
         preferences.m_refreshTimer.start(refreshInterval);
     return preferences;
