@@ -1,5 +1,7 @@
 #pragma once
 
+#include "service/JSONMember.h"
+
 #include <QString>
 #include <QtGlobal>
 
@@ -36,4 +38,33 @@ struct VideoDetail {
     const qint64 upcount;
 
     bool operator==(const VideoDetail&) const = default;
+
+    static constexpr auto jsonMembers()
+    {
+        return std::tuple(JSONMember("id", &VideoDetail::id),
+            JSONMember("sign", &VideoDetail::sign),
+            JSONMember("preurl", &VideoDetail::preurl),
+            JSONMember("title", &VideoDetail::title),
+            JSONMember("url", &VideoDetail::url),
+            JSONMember("description", &VideoDetail::description),
+            JSONMember("time", &VideoDetail::time),
+            JSONMember("size", &VideoDetail::size),
+            JSONMember("imgurl", &VideoDetail::imgurl),
+            JSONMember("imgsize", &VideoDetail::imgsize),
+            JSONMember("tags", &VideoDetail::tags),
+            JSONMember("ratio", &VideoDetail::ratio),
+            JSONMember("width", &VideoDetail::width),
+            JSONMember("height", &VideoDetail::height),
+            JSONMember("frame", &VideoDetail::frame),
+            JSONMember("rate", &VideoDetail::rate),
+            JSONMember("audio", &VideoDetail::audio),
+            JSONMember("uptime", &VideoDetail::uptime),
+            JSONMember("down", &VideoDetail::down),
+            JSONMember("view", &VideoDetail::view),
+            JSONMember("author", &VideoDetail::author),
+            JSONMember("avatar", &VideoDetail::avatar),
+            JSONMember("avatarsize", &VideoDetail::avatarsize),
+            JSONMember("hp", &VideoDetail::hp),
+            JSONMember("upcount", &VideoDetail::upcount));
+    }
 };

@@ -1,0 +1,58 @@
+#include "service/SessionManager.h"
+
+#include "service/ReplyReader.h"
+
+#include <QFile>
+#include <QLoggingCategory>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QSslCertificate>
+
+#include <chrono>
+
+namespace {
+
+constexpr std::chrono::milliseconds timeout{2000};
+
+QSslConfiguration trustedConfiguration()
+{
+    auto configuration = QSslConfiguration::defaultConfiguration();
+    const auto path = QFile::decodeName(qgetenv("SSL_CERT_FILE"));
+    if (!path.isEmpty()) {
+        // Setting any ends Qt's own look-up of the system's, so those are set as well.
+        configuration.setCaCertificates(
+            QSslConfiguration::systemCaCertificates() + QSslCertificate::fromPath(path));
+    }
+    return configuration;
+}
+
+QByteArray formEncoded(const SessionManager::Parameters& parameters)
+{
+    QByteArray form;
+    for (const auto& [name, value] : parameters) {
+        if (!form.isEmpty())
+            form += '&';
+        form += QUrl::toPercentEncoding(name) + '=' + QUrl::toPercentEncoding(value);
+    }
+    return form;
+}
+
+} // namespace
+
+SessionManager::SessionManager(const QString& agent)
+    : m_agent(agent.toUtf8()), m_tls(trustedConfiguration())
+{
+    m_network.setTransferTimeout(static_cast<int>(timeout.count()));
+    m_network.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
+}
+
+void SessionManager::post(const QUrl& url, const Parameters& parameters, Completion completion)
+{
+    QNetworkRequest request(url);
+    request.setSslConfiguration(m_tls);
+    request.setHeader(QNetworkRequest::UserAgentHeader, m_agent);
+    request.setHeader(QNetworkRequest::ContentTypeHeader,
+        QByteArrayLiteral("application/x-www-form-urlencoded; charset=utf-8"));
+    auto* const reply = m_network.post(request, formEncoded(parameters));
+    new ReplyReader(*reply, std::move(completion)); // owned by the reply
+}

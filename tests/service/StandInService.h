@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+#include <QSslServer>
+#include <QSslSocket>
+#include <QString>
+#include <QTemporaryDir>
+
+#include <functional>
+#include <vector>
+
+/// A request as it arrived.
+struct ServiceRequest {
+    QByteArray method;
+    QByteArray path;
+    QHash<QByteArray, QByteArray> headers; ///< names in lower case
+    QByteArray form;
+    int function = 0; ///< the form's "f"
+    QByteArray text;  ///< the form's "i", deciphered by `openssl`
+};
+
+/// The service, small: HTTPS on loopback, one request a connection. It answers the guide (214), the
+/// heartbeat (21) and the upgrade check (24), and can be told to do otherwise.
+class StandInService : public QObject {
+    Q_OBJECT
+
+public:
+    /// Answers a request, at once, later, in part or not at all.
+    using Behaviour = std::function<void(
+        const StandInService& service, QSslSocket& socket, const ServiceRequest& request)>;
+
+    /// Presents `certificate.pem` of this directory. Listens on any free port for 0.
+    explicit StandInService(const QString& certificateDirectory, quint16 port = 0);
+
+    QString origin() const;
+    const std::vector<ServiceRequest>& requests() const { return m_requests; }
+    /// Of one function.
+    std::vector<ServiceRequest> requests(int function) const;
+
+    /// What it does with every request from now on.
+    void setBehaviour(Behaviour behaviour) { m_behaviour = std::move(behaviour); }
+    /// The record under "data" in the upgrade check's answer; an empty text for none.
+    void setOffer(const QByteArray& json) { m_offer = json; }
+
+    /// The plain text of the answer to a function.
+    QByteArray answer(int function) const;
+    /// That answer, as it has to be.
+    void replyProperly(QSslSocket& socket, const ServiceRequest& request) const;
+    /// Sends `body` as an HTTP reply and closes.
+    static void reply(QSslSocket& socket,
+        const QByteArray& body,
+        const QByteArray& status = "200 OK",
+        const QByteArray& headers = {});
+
+Q_SIGNALS:
+    void requested(const ServiceRequest& request);
+
+private:
+    void accept();
+    void receive(QSslSocket& socket, const QByteArray& head, const QByteArray& form);
+
+    QSslServer m_server;
+    Behaviour m_behaviour;
+    QByteArray m_offer;
+    std::vector<ServiceRequest> m_requests;
+};
