@@ -3,6 +3,7 @@
 #include "base/Observe.h"
 #include "platform/DistributedNotificationCenter.h"
 #include "player/VideoPlayerManager.h"
+#include "service/WebModel.h"
 
 AppDelegate::AppDelegate(Application& application)
 {
@@ -19,6 +20,7 @@ AppDelegate::AppDelegate(Application& application)
 void AppDelegate::applicationDidFinishLaunching()
 {
     VideoPlayerManager::shared().createWindows();
+    WebModel::shared().checkUpgrade([](const auto&) {});
 }
 
 void AppDelegate::applicationDidChangeScreenParameters()

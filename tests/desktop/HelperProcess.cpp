@@ -11,8 +11,11 @@
 
 #include <unistd.h>
 
-HelperProcess::HelperProcess(VirtualDesktop& desktop) : m_desktop(desktop)
+HelperProcess::HelperProcess(VirtualDesktop& desktop)
+    : m_desktop(desktop), m_environment(desktop.environment())
 {
+    setEnvironment(QStringLiteral("XDG_RUNTIME_DIR"), m_home.path());
+    setEnvironment(QStringLiteral("TAVELOR_SERVICE_URL"), QStringLiteral("https://127.0.0.1:9"));
     VideoRows::createTable(m_home.databaseFile());
 }
 
@@ -49,6 +52,16 @@ void HelperProcess::addRow(const QString& sign, const QString& file)
         {VideoRows::row(sign, QUrl::fromLocalFile(file).toString(QUrl::FullyEncoded))});
 }
 
+void HelperProcess::setEnvironment(const QString& name, const QString& value)
+{
+    m_environment.insert(name, value);
+}
+
+void HelperProcess::ignoreLeaks()
+{
+    setEnvironment(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
+}
+
 QString HelperProcess::program()
 {
     return QStringLiteral(TAVELORHELPER);
@@ -56,11 +69,7 @@ QString HelperProcess::program()
 
 void HelperProcess::start()
 {
-    auto environment = m_desktop.environment();
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_home.path());
-    if (!m_checksLeaks)
-        environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
-    m_process.setProcessEnvironment(environment);
+    m_process.setProcessEnvironment(m_environment);
     m_process.start(program(), {});
     if (!m_process.waitForStarted())
         qFatal("The helper does not start.");

@@ -22,8 +22,9 @@ public:
     void addRow(const QString& sign, const QString& file);
     QString videoFile(const QString& sign) const;
 
-    /// For the next start.
-    void ignoreLeaks() { m_checksLeaks = false; }
+    /// For the next start. Without a service of the test's own there is none.
+    void setEnvironment(const QString& name, const QString& value);
+    void ignoreLeaks();
     static QString program();
     void start();
     /// True if it is gone by itself or by now.
@@ -41,5 +42,5 @@ private:
     TemporaryHome m_home;
     QProcess m_process;
     QByteArray m_output;
-    bool m_checksLeaks = true;
+    QProcessEnvironment m_environment;
 };
