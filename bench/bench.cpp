@@ -1,5 +1,6 @@
 #include "Measurements.h"
 #include "PictureWatcher.h"
+#include "ServiceBench.h"
 
 #include "desktop/HelperProcess.h"
 #include "platform/Recording.h"
@@ -13,6 +14,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 using namespace Measurements;
 
@@ -243,11 +246,8 @@ void benchLibrary()
     }
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+void benchVideo()
 {
-    const QCoreApplication application(argc, argv);
     const QTemporaryDir directory;
     const auto source = directory.filePath(QStringLiteral("clip.mp4"));
     makeClip(source, clipLength);
@@ -274,8 +274,23 @@ int main(int argc, char** argv)
 
     benchPlaying(source, decode);
     benchMirrored(source, decode);
-    benchSeam();
-    benchChange();
-    benchLibrary();
+}
+
+} // namespace
+
+/// Measures the parts that are named, or all.
+int main(int argc, char** argv)
+{
+    const QCoreApplication application(argc, argv);
+    const std::vector<std::pair<QString, void (*)()>> parts{{QStringLiteral("video"), benchVideo},
+        {QStringLiteral("seam"), benchSeam},
+        {QStringLiteral("change"), benchChange},
+        {QStringLiteral("library"), benchLibrary},
+        {QStringLiteral("service"), benchService}};
+    const auto wanted = QCoreApplication::arguments().mid(1);
+    for (const auto& [name, measure] : parts) {
+        if (wanted.isEmpty() || wanted.contains(name))
+            measure();
+    }
     return 0;
 }
