@@ -254,6 +254,8 @@ void DistributedNotificationCenter::post(const QString& name)
     m_body->observers.post(name);
 }
 
+class Workspace::Body {};
+
 Workspace::Workspace() = default;
 Workspace::~Workspace() = default;
 
@@ -261,4 +263,14 @@ Workspace& Workspace::shared()
 {
     static Workspace workspace;
     return workspace;
+}
+
+void Workspace::launchApplication(const QString& identifier)
+{
+    record(QStringLiteral("launch %1").arg(identifier));
+}
+
+void Workspace::openUrl(const QUrl& url)
+{
+    record(QStringLiteral("open %1").arg(url.toString()));
 }
