@@ -25,6 +25,12 @@ public:
     /// object, until the token is released.
     [[nodiscard]] Disposable addObserver(const QString& name, std::function<void()> observer);
 
+    /// While suspended, notifications wait; of several of one name the latest does. Resuming
+    /// delivers them before it returns. Not suspended at first, and not by a loss of focus either:
+    /// the bus delivers to every program alike, so a program that never suspends has no need to
+    /// resume.
+    void setSuspended(bool isSuspended);
+
     /// Without object and user information. The notification has left this process when the call
     /// returns, so it may be the last thing that a process does.
     void post(const QString& name);

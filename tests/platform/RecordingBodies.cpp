@@ -249,6 +249,11 @@ Disposable DistributedNotificationCenter::addObserver(
     return m_body->observers.addObserver(name, std::move(observer));
 }
 
+void DistributedNotificationCenter::setSuspended(bool isSuspended)
+{
+    record(QStringLiteral("notifications suspended %1").arg(isSuspended));
+}
+
 void DistributedNotificationCenter::post(const QString& name)
 {
     m_body->observers.post(name);

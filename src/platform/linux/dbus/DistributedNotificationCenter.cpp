@@ -24,7 +24,19 @@ void DistributedNotificationCenter::Body::deliver(
 {
     Q_UNUSED(object)
     Q_UNUSED(userInformation)
-    observers.post(name);
+    if (!m_isSuspended) {
+        observers.post(name);
+        return;
+    }
+    m_waiting.removeOne(name);
+    m_waiting.append(name);
+}
+
+void DistributedNotificationCenter::Body::setSuspended(bool isSuspended)
+{
+    m_isSuspended = isSuspended;
+    while (!m_isSuspended && !m_waiting.isEmpty()) // an observer may suspend again
+        observers.post(m_waiting.takeFirst());
 }
 
 DistributedNotificationCenter& DistributedNotificationCenter::defaultCenter()
@@ -41,6 +53,11 @@ Disposable DistributedNotificationCenter::addObserver(
     const QString& name, std::function<void()> observer)
 {
     return m_body->observers.addObserver(name, std::move(observer));
+}
+
+void DistributedNotificationCenter::setSuspended(bool isSuspended)
+{
+    m_body->setSuspended(isSuspended);
 }
 
 void DistributedNotificationCenter::post(const QString& name)

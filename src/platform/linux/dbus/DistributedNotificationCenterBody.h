@@ -5,6 +5,7 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <QStringList>
 #include <QVariantMap>
 
 /// Hears every notification on the bus and hands it to the observers of its name.
@@ -14,9 +15,15 @@ class DistributedNotificationCenter::Body : public QObject {
 public:
     Body();
 
+    void setSuspended(bool isSuspended);
+
     QDBusConnection bus;
     NotificationCenter observers;
 
 public Q_SLOTS:
     void deliver(const QString& name, const QString& object, const QVariantMap& userInformation);
+
+private:
+    bool m_isSuspended = false;
+    QStringList m_waiting; // names, the one posted last at the end
 };
