@@ -23,6 +23,12 @@ Q_SIGNALS:
     void didFinishLaunching();
     /// A screen came, went or changed its frame. Changes that come together are told once.
     void didChangeScreenParameters();
+    /// All of our desktop windows were covered by other windows, or one of them can be seen again.
+    /// A while after the last change to other windows, a second at most after the first one. On
+    /// X11 windows of Wayland programs are not known.
+    void didChangeOcclusionState();
+    /// None of the program's windows has the keyboard any more.
+    void didResignActive();
     /// The last message; the process ends when it has been handled.
     void willTerminate();
 

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QTest>
 
+#include <xcb/shape.h>
 #include <xcb/xtest.h>
 
 #include <array>
@@ -38,6 +39,16 @@ QByteArray firstLine(QProcess& process, const char* what)
         line += process.readLine();
     }
     return line.trimmed();
+}
+
+xcb_visualid_t visualWithAlpha(const xcb_screen_t& screen)
+{
+    for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0;
+         xcb_depth_next(&depth)) {
+        if (depth.data->depth == 32 && depth.data->visuals_len > 0)
+            return xcb_depth_visuals(depth.data)->visual_id;
+    }
+    qFatal("The server has no visual with opacity.");
 }
 
 } // namespace
@@ -195,46 +206,95 @@ void VirtualDesktop::moveAndClick(const QPoint& point, std::uint8_t button) cons
     xcb_flush(connection());
 }
 
-xcb_window_t VirtualDesktop::openWindow(WindowKind kind, const QColor& colour) const
+xcb_window_t VirtualDesktop::openWindow(
+    WindowKind kind, const QColor& colour, const QRect& frame) const
 {
+    const auto& screen = *xcb_setup_roots_iterator(xcb_get_setup(connection())).data;
+    const bool hasAlpha = kind == WindowKind::WithAlpha || kind == WindowKind::WithOpaqueRegion;
+    const auto visual = hasAlpha ? visualWithAlpha(screen) : screen.root_visual;
+    const auto colormap = xcb_generate_id(connection());
+    xcb_create_colormap(connection(), XCB_COLORMAP_ALLOC_NONE, colormap, root(), visual);
+    const std::uint8_t depth = hasAlpha ? 32 : screen.root_depth;
+
     const auto window = xcb_generate_id(connection());
-    const std::uint32_t background = colour.rgb() & 0xffffff;
+    const auto width = static_cast<std::uint16_t>(frame.width());
+    const auto height = static_cast<std::uint16_t>(frame.height());
+    const std::array<std::uint32_t, 3> values{colour.rgb() & 0xffffff, 0, colormap};
     xcb_create_window(connection(),
-        XCB_COPY_FROM_PARENT,
+        depth,
         window,
         root(),
-        100,
-        100,
-        300,
-        300,
+        static_cast<std::int16_t>(frame.x()),
+        static_cast<std::int16_t>(frame.y()),
+        width,
+        height,
         0,
         XCB_WINDOW_CLASS_INPUT_OUTPUT,
-        XCB_COPY_FROM_PARENT,
-        XCB_CW_BACK_PIXEL,
-        &background);
-    const auto type = atom(
-        kind == WindowKind::Desktop ? "_NET_WM_WINDOW_TYPE_DESKTOP" : "_NET_WM_WINDOW_TYPE_NORMAL");
-    xcb_change_property(connection(),
-        XCB_PROP_MODE_REPLACE,
-        window,
-        atom("_NET_WM_WINDOW_TYPE"),
+        visual,
+        XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_COLORMAP,
+        values.data());
+    setProperty(window,
+        "_NET_WM_WINDOW_TYPE",
         XCB_ATOM_ATOM,
-        32,
-        1,
-        &type);
+        {atom(kind == WindowKind::Desktop ? "_NET_WM_WINDOW_TYPE_DESKTOP"
+                                          : "_NET_WM_WINDOW_TYPE_NORMAL")});
+    if (kind == WindowKind::WithOpaqueRegion)
+        setProperty(window, "_NET_WM_OPAQUE_REGION", XCB_ATOM_CARDINAL, {0, 0, width, height});
+    if (kind == WindowKind::Faded)
+        setProperty(window, "_NET_WM_WINDOW_OPACITY", XCB_ATOM_CARDINAL, {0x80000000});
+    if (kind == WindowKind::Shaped) {
+        const xcb_rectangle_t upperHalf{0, 0, width, static_cast<std::uint16_t>(height / 2)};
+        xcb_shape_rectangles(connection(),
+            XCB_SHAPE_SO_SET,
+            XCB_SHAPE_SK_BOUNDING,
+            XCB_CLIP_ORDERING_UNSORTED,
+            window,
+            0,
+            0,
+            1,
+            &upperHalf);
+    }
     // "The user wants it here": window managers place the others as they like.
-    const std::array<std::uint32_t, 18> hints{1};
-    xcb_change_property(connection(),
-        XCB_PROP_MODE_REPLACE,
-        window,
-        XCB_ATOM_WM_NORMAL_HINTS,
-        XCB_ATOM_WM_SIZE_HINTS,
-        32,
-        hints.size(),
-        hints.data());
+    std::vector<std::uint32_t> hints(18);
+    hints.front() = 1;
+    setProperty(window, "WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS, hints);
     xcb_map_window(connection(), window);
     xcb_flush(connection());
     return window;
+}
+
+void VirtualDesktop::setProperty(xcb_window_t window,
+    const char* name,
+    xcb_atom_t type,
+    const std::vector<std::uint32_t>& values) const
+{
+    xcb_change_property(connection(),
+        XCB_PROP_MODE_REPLACE,
+        window,
+        atom(name),
+        type,
+        32,
+        static_cast<std::uint32_t>(values.size()),
+        values.data());
+}
+
+void VirtualDesktop::moveWindow(xcb_window_t window, const QPoint& position) const
+{
+    const std::array<std::int32_t, 2> values{position.x(), position.y()};
+    xcb_configure_window(
+        connection(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values.data());
+    xcb_flush(connection());
+}
+
+void VirtualDesktop::iconify(xcb_window_t window) const
+{
+    constexpr std::uint32_t iconicState = 3;
+    sendToRoot(window, "WM_CHANGE_STATE", iconicState);
+}
+
+void VirtualDesktop::sendToDesktop(xcb_window_t window, std::uint32_t number) const
+{
+    sendToRoot(window, "_NET_WM_DESKTOP", number);
 }
 
 void VirtualDesktop::closeWindow(xcb_window_t window) const

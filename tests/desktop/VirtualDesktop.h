@@ -3,12 +3,14 @@
 #include <QColor>
 #include <QPoint>
 #include <QProcess>
+#include <QRect>
 #include <QSize>
 #include <QString>
 
 #include <xcb/xcb.h>
 
 #include <memory>
+#include <vector>
 
 /// An X server without a screen and a session bus of its own. What it shows is read
 /// from the root window, as a person would see it.
@@ -23,6 +25,7 @@ public:
 
     /// For processes that shall run on this desktop.
     QProcessEnvironment environment() const;
+    QString display() const { return m_display; }
     QString busAddress() const { return m_busAddress; }
     xcb_connection_t* connection() const { return m_connection.get(); }
     xcb_window_t root() const;
@@ -45,10 +48,23 @@ public:
 
     void moveAndClick(const QPoint& point, std::uint8_t button = 1) const;
 
-    /// A window of another program, of one colour, at the left; of type desktop or an ordinary one.
-    enum class WindowKind { Ordinary, Desktop };
-    xcb_window_t openWindow(WindowKind kind, const QColor& colour) const;
+    /// A window of another program, of one colour, at the left unless told otherwise.
+    enum class WindowKind {
+        Ordinary,
+        Desktop,          ///< of that type
+        WithAlpha,        ///< each pixel has an opacity
+        WithOpaqueRegion, ///< the same, and says that all of it is opaque
+        Faded,            ///< to be shown half transparent by a compositor
+        Shaped,           ///< lacks its lower half
+    };
+    xcb_window_t openWindow(
+        WindowKind kind, const QColor& colour, const QRect& frame = {100, 100, 300, 300}) const;
     void closeWindow(xcb_window_t window) const;
+    void moveWindow(xcb_window_t window, const QPoint& position) const;
+    /// As the window's program may ask.
+    void iconify(xcb_window_t window) const;
+    /// As pagers do.
+    void sendToDesktop(xcb_window_t window, std::uint32_t number) const;
     /// Asks the window manager to close every window that it manages, as a pager may.
     void requestClose() const;
     /// As pagers do.
@@ -59,6 +75,10 @@ private:
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
     bool hasWindowManager() const;
+    void setProperty(xcb_window_t window,
+        const char* name,
+        xcb_atom_t type,
+        const std::vector<std::uint32_t>& values) const;
     void sendToRoot(xcb_window_t window, const char* type, std::uint32_t value) const;
     xcb_atom_t atom(const char* name) const;
 

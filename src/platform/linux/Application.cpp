@@ -2,7 +2,9 @@
 
 #include "platform/SessionInstance.h"
 #include "platform/linux/TerminationSignals.h"
+#include "platform/linux/x11/X11Connection.h"
 #include "platform/linux/x11/X11Handles.h"
+#include "platform/linux/x11/X11Occlusion.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -116,6 +118,13 @@ Application::Application(int& argc, char** argv)
         });
     connect(&m_body->qt, &QGuiApplication::screenRemoved, this, noteChange);
     connect(&m_body->qt, &QGuiApplication::primaryScreenChanged, this, noteChange); // their order
+    connect(&m_body->qt,
+        &QGuiApplication::applicationStateChanged,
+        this,
+        [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationInactive)
+                Q_EMIT didResignActive();
+        });
     // A session that ends tells Qt, which quits: the same way out for all.
     connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, &Application::willTerminate);
 }
@@ -124,6 +133,12 @@ Application::~Application() = default;
 
 int Application::run()
 {
+    // Not earlier: shared components are to go before the application does.
+    if (auto* const x11 = X11Connection::shared())
+        connect(&X11Occlusion::shared(*x11),
+            &X11Occlusion::changed,
+            this,
+            &Application::didChangeOcclusionState);
     QTimer::singleShot(0ms, this, &Application::didFinishLaunching);
     const int status = QApplication::exec();
     m_body->terminationSignals.reset(); // a second Ctrl+C ends a process that hangs at its end

@@ -40,6 +40,22 @@ xcb_window_t windowOf(const xcb_generic_event_t& event)
     }
 }
 
+/// Whether the root window tells of one of its children. One that was merely made is not shown.
+bool isOfRootChild(const xcb_generic_event_t& event, xcb_window_t root)
+{
+    switch (kind(event)) {
+    case XCB_DESTROY_NOTIFY:
+    case XCB_UNMAP_NOTIFY:
+    case XCB_MAP_NOTIFY:
+    case XCB_REPARENT_NOTIFY:
+    case XCB_CONFIGURE_NOTIFY:
+    case XCB_CIRCULATE_NOTIFY:
+        return as<xcb_map_notify_event_t>(event).event == root; // all begin alike
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 X11Connection* X11Connection::shared()
@@ -63,7 +79,8 @@ X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
         xcb_screen_next(&screens);
     m_screen = screens.data;
 
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    const std::uint32_t events =
+        XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
     xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &events);
 
     connect(&m_notifier, &QSocketNotifier::activated, this, &X11Connection::processEvents);
@@ -89,10 +106,20 @@ xcb_atom_t X11Connection::atom(const std::string& name)
 std::vector<std::uint32_t> X11Connection::property(
     xcb_window_t window, const std::string& name, xcb_atom_t type)
 {
+    return property(askForProperty(window, name, type));
+}
+
+X11PropertyCookie X11Connection::askForProperty(
+    xcb_window_t window, const std::string& name, xcb_atom_t type)
+{
     constexpr std::uint32_t longestInWords = 4096;
-    const auto cookie = xcb_get_property(get(), 0, window, atom(name), type, 0, longestInWords);
-    const auto reply = own(xcb_get_property_reply(get(), cookie, nullptr));
-    if (!reply || reply->type != type || reply->format != 32)
+    return {xcb_get_property(get(), 0, window, atom(name), type, 0, longestInWords), type};
+}
+
+std::vector<std::uint32_t> X11Connection::property(const X11PropertyCookie& cookie)
+{
+    const auto reply = own(xcb_get_property_reply(get(), cookie.cookie, nullptr));
+    if (!reply || reply->type != cookie.type || reply->format != 32)
         return {};
     const auto* values = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
     return {values, values + reply->value_len};
@@ -127,6 +154,10 @@ void X11Connection::deliver(const xcb_generic_event_t& event)
         const auto& change = as<xcb_property_notify_event_t>(event);
         if (change.window == root())
             Q_EMIT rootPropertyChanged(change.atom);
+        return;
+    }
+    if (isOfRootChild(event, root())) {
+        Q_EMIT rootChildrenChanged(); // a window's own watch is told by the window itself
         return;
     }
     const auto entry = m_handlers.find(windowOf(event));

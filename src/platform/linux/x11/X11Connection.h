@@ -11,6 +11,12 @@
 #include <string>
 #include <vector>
 
+/// A property that was asked for.
+struct X11PropertyCookie {
+    xcb_get_property_cookie_t cookie;
+    xcb_atom_t type;
+};
+
 /// The main thread's connection to the X server, apart from Qt's. Its errors are other clients'
 /// windows that died meanwhile and are dropped; a connection that breaks ends the application.
 class X11Connection : public QObject {
@@ -31,6 +37,10 @@ public:
     std::vector<std::uint32_t> property(
         xcb_window_t window, const std::string& name, xcb_atom_t type);
 
+    /// The same in two steps, for many questions at once. Each answer is to be taken, once.
+    X11PropertyCookie askForProperty(xcb_window_t window, const std::string& name, xcb_atom_t type);
+    std::vector<std::uint32_t> property(const X11PropertyCookie& cookie);
+
     using EventHandler = std::function<void(const xcb_generic_event_t& event)>;
     /// Hands the core and input events of one window to `handler`; one handler a window.
     [[nodiscard]] Disposable watch(xcb_window_t window, EventHandler handler);
@@ -40,6 +50,8 @@ public:
 
 Q_SIGNALS:
     void rootPropertyChanged(quint32 atom);
+    /// A window on the root came, went, was moved, resized or restacked.
+    void rootChildrenChanged();
 
 private:
     void processEvents();

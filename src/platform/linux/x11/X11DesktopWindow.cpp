@@ -23,12 +23,6 @@ X11Connection& connection()
     return *shared;
 }
 
-X11WindowManager& windowManager()
-{
-    static X11WindowManager manager(connection());
-    return manager;
-}
-
 /// A visual with 8 bits a colour in 32-bit pixels, which is what frames are drawn in, and the
 /// depth that goes with it. The root's own wherever it qualifies, as it nearly always does.
 struct PictureVisual {
@@ -105,7 +99,10 @@ constexpr std::uint8_t secondaryButton = 3;
 } // namespace
 
 X11DesktopWindow::X11DesktopWindow(const QRect& frame)
-    : Body(frame.size()), m_connection(connection()), m_windowManager(windowManager())
+    : Body(frame.size()),
+      m_connection(connection()),
+      m_windowManager(X11WindowManager::shared(m_connection)),
+      m_occlusion(X11Occlusion::shared(m_connection))
 {
     create(frame);
     describe(frame);
@@ -315,6 +312,7 @@ void X11DesktopWindow::map()
     // Below everything from the first moment; who maps in front is raised afterwards.
     restack(Order::Back);
     xcb_map_window(m_connection.get(), m_window);
+    m_shown = m_occlusion.add(m_window);
 }
 
 /// Each time anew: window managers remove these properties when a window is withdrawn.
@@ -346,6 +344,7 @@ void X11DesktopWindow::restack(Order order)
 void X11DesktopWindow::unmap()
 {
     m_isMapped = false;
+    m_shown.reset();
     xcb_unmap_window(m_connection.get(), m_window);
     if (!m_isManaged)
         return;

@@ -3,6 +3,7 @@
 #include "base/Disposable.h"
 #include "platform/linux/DesktopWindowBody.h"
 #include "platform/linux/x11/X11Connection.h"
+#include "platform/linux/x11/X11Occlusion.h"
 #include "platform/linux/x11/X11WindowManager.h"
 
 #include <QTimer>
@@ -40,12 +41,14 @@ private:
 
     X11Connection& m_connection;
     X11WindowManager& m_windowManager;
+    X11Occlusion& m_occlusion;
     xcb_window_t m_window = XCB_NONE;
     WindowCollectionBehavior m_behavior{};
     std::optional<Order> m_wantedOrder; // none to be hidden
     QTimer m_change;                    // from the first wish of a turn to its end
     bool m_isMapped = false;
-    bool m_isManaged = false; // as it was last mapped
+    bool m_isManaged = false;          // as it was last mapped
+    std::optional<Disposable> m_shown; // while mapped
     std::optional<Disposable> m_events;
     std::optional<Disposable> m_managerChanges;
 };

@@ -25,6 +25,12 @@ bool isXwayland(X11Connection& x11)
 
 } // namespace
 
+X11WindowManager& X11WindowManager::shared(X11Connection& connection)
+{
+    static X11WindowManager manager(connection);
+    return manager;
+}
+
 X11WindowManager::X11WindowManager(X11Connection& connection)
     : m_connection(connection), m_isXwayland(isXwayland(connection))
 {
@@ -74,9 +80,15 @@ void X11WindowManager::probe()
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection.get(), window, XCB_CW_EVENT_MASK, &events);
 
+    if (supports("_NET_WM_WINDOW_TYPE_DESKTOP"))
+        m_desktopWindows = DesktopWindows::Managed;
+}
+
+bool X11WindowManager::supports(const std::string& hint)
+{
+    if (checkWindow() == XCB_NONE)
+        return false;
     const auto supported =
         m_connection.property(m_connection.root(), "_NET_SUPPORTED", XCB_ATOM_ATOM);
-    const auto desktopType = m_connection.atom("_NET_WM_WINDOW_TYPE_DESKTOP");
-    if (std::ranges::find(supported, desktopType) != supported.end())
-        m_desktopWindows = DesktopWindows::Managed;
+    return std::ranges::find(supported, m_connection.atom(hint)) != supported.end();
 }

@@ -7,6 +7,7 @@
 #include <QTimer>
 
 #include <optional>
+#include <string>
 
 /// Which window manager runs, as far as desktop windows are concerned
 /// (https://specifications.freedesktop.org/wm-spec).
@@ -14,6 +15,9 @@ class X11WindowManager : public QObject {
     Q_OBJECT
 
 public:
+    /// The one for the connection that all windows share.
+    static X11WindowManager& shared(X11Connection& connection);
+
     explicit X11WindowManager(X11Connection& connection);
 
     enum class DesktopWindows {
@@ -27,6 +31,9 @@ public:
         Impossible,
     };
     DesktopWindows desktopWindows() const { return m_desktopWindows; }
+
+    /// Whether one runs now that lists this among what it supports. Asks the server.
+    bool supports(const std::string& hint);
 
 Q_SIGNALS:
     void desktopWindowsChanged();

@@ -1,0 +1,222 @@
+#include "platform/Application.h"
+#include "desktop/VirtualDesktop.h"
+#include "platform/DesktopWindow.h"
+#include "platform/Workspace.h"
+#include "support/TemporaryHome.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+#include <utility>
+#include <vector>
+
+using WindowKind = VirtualDesktop::WindowKind;
+
+/// What the application and the workspace do on a desktop with two monitors and a window manager.
+class ApplicationTest : public QObject {
+    Q_OBJECT
+
+public:
+    ApplicationTest(VirtualDesktop& desktop, Application& application)
+        : m_desktop(desktop), m_application(application)
+    {
+    }
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        m_desktop.setMonitors(VirtualDesktop::Monitors::TwoHalves);
+        QTRY_COMPARE(Screen::screens().size(), 2U);
+        m_desktop.startWindowManager();
+    }
+
+    void init()
+    {
+        showWallpaper();
+        m_changes =
+            std::make_unique<QSignalSpy>(&m_application, &Application::didChangeOcclusionState);
+    }
+
+    void cleanup()
+    {
+        for (const auto window : std::exchange(m_foreign, {}))
+            m_desktop.closeWindow(window);
+        QTRY_VERIFY(m_changes->count() % 2 == 0); // to be seen, as the next test expects
+        m_changes.reset();
+        m_wallpaper.clear();
+    }
+
+    /// From covered to visible by each way in which a window may cease to cover, and back.
+    void windowThatDoesNotCover_letsTheWallpaperBeSeen_data()
+    {
+        using Act = std::function<void(ApplicationTest&, xcb_window_t)>;
+        QTest::addColumn<Act>("act");
+        const auto row = [](const char* name, const Act& act) { QTest::newRow(name) << act; };
+        const auto replaceBy = [](WindowKind kind) {
+            return [kind](ApplicationTest& test, xcb_window_t window) {
+                test.open(kind, leftHalf);
+                test.m_desktop.closeWindow(window);
+            };
+        };
+        row("closed", [](auto& test, auto window) { test.m_desktop.closeWindow(window); });
+        row("moved aside", [](auto& test, auto window) {
+            test.m_desktop.moveWindow(window, {9, 0});
+        });
+        row("iconified", [](auto& test, auto window) { test.m_desktop.iconify(window); });
+        row("on another space",
+            [](auto& test, auto window) { test.m_desktop.sendToDesktop(window, 2); });
+        row("with an opacity of its pixels", replaceBy(WindowKind::WithAlpha));
+        row("with an opacity as a whole", replaceBy(WindowKind::Faded));
+        row("shaped", replaceBy(WindowKind::Shaped));
+        row("desktop icons", replaceBy(WindowKind::Desktop));
+        row("another space shown", [](auto& test, auto) { test.m_desktop.requestDesktop(1); });
+    }
+
+    void windowThatDoesNotCover_letsTheWallpaperBeSeen()
+    {
+        QFETCH(std::function<void(ApplicationTest&, xcb_window_t)>, act);
+        const auto left = open(WindowKind::Ordinary, leftHalf);
+        open(WindowKind::Ordinary, rightHalf);
+        QTRY_COMPARE(m_changes->count(), 1);
+
+        act(*this, left);
+        QTRY_COMPARE(m_changes->count(), 2);
+
+        m_desktop.requestDesktop(0);
+        open(WindowKind::Ordinary, leftHalf);
+        QTRY_COMPARE(m_changes->count(), 3);
+    }
+
+    void windowThatSaysWhatIsOpaque_covers()
+    {
+        // The window manager's frame around it does not say so: it is put outside the screen.
+        open(WindowKind::WithOpaqueRegion, everything.adjusted(-50, -50, 50, 50));
+        QTRY_COMPARE(m_changes->count(), 1);
+    }
+
+    void windowsThatComeAndGoAtOnce_disturbNothing()
+    {
+        for (int i = 0; i < 50; ++i) {
+            m_desktop.closeWindow(open(WindowKind::Ordinary, everything));
+            QCoreApplication::processEvents();
+        }
+        open(WindowKind::Ordinary, everything);
+        QTRY_COMPARE(m_changes->count(), 1);
+    }
+
+    void hiddenWallpaper_changesNothing()
+    {
+        const auto cover = open(WindowKind::Ordinary, everything);
+        QTRY_COMPARE(m_changes->count(), 1);
+
+        m_wallpaper.clear();
+        m_desktop.closeWindow(cover);
+        QTRY_COMPARE(m_desktop.leftColour(), QStringLiteral("black"));
+        QVERIFY(!m_changes->wait(1000)); // longer than a change may take
+        showWallpaper();
+
+        QTRY_COMPARE(m_changes->count(), 2);
+    }
+
+    void windowManager_mayBeKilledAndComeBack()
+    {
+        open(WindowKind::Ordinary, everything);
+        QTRY_COMPARE(m_changes->count(), 1);
+
+        m_desktop.killWindowManager();
+        QTRY_COMPARE(m_changes->count(), 2); // where the title bar was
+        const auto cover = open(WindowKind::Ordinary, everything);
+        QTRY_COMPARE(m_changes->count(), 3);
+
+        m_desktop.startWindowManager();
+        m_desktop.moveWindow(cover, {600, 600});
+        open(WindowKind::Ordinary, everything);
+        QTRY_VERIFY(m_changes->count() % 2 == 1);
+    }
+
+    void keyboardThatGoesToAnotherProgram_isTold()
+    {
+        const QSignalSpy resignations(&m_application, &Application::didResignActive);
+        QWidget window;
+        window.show();
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
+        QCOMPARE(resignations.count(), 0);
+
+        open(WindowKind::Ordinary, {100, 100, 300, 300});
+
+        QTRY_COMPARE(resignations.count(), 1);
+    }
+
+    void url_opensInTheBrowser()
+    {
+        const TemporaryHome home;
+        const auto trace = home.path() + QStringLiteral("/trace");
+        const auto browser = home.path() + QStringLiteral("/xdg-open");
+        TemporaryHome::writeFile(browser, "#!/bin/sh\necho \"$1\" >'" + trace.toUtf8() + "'\n");
+        QFile::setPermissions(browser, QFile::ReadOwner | QFile::ExeOwner);
+        const auto path = qgetenv("PATH");
+
+        qputenv("PATH", "/nonexistent");
+        qputenv("BROWSER", "");
+        Workspace::shared().openUrl(QUrl(QStringLiteral("https://example.org/none")));
+        qputenv("PATH", home.path().toUtf8() + ':' + path);
+        Workspace::shared().openUrl(QUrl(QStringLiteral("https://example.org/a?b=c%20d")));
+
+        QTRY_COMPARE(TemporaryHome::contents(trace), "https://example.org/a?b=c%20d\n");
+        qputenv("PATH", path);
+    }
+
+private:
+    static constexpr QRect leftHalf{0, 0, 640, 720};
+    static constexpr QRect rightHalf{640, 0, 640, 720};
+    static constexpr QRect everything{0, 0, 1280, 720};
+
+    xcb_window_t open(WindowKind kind, const QRect& frame)
+    {
+        m_foreign.push_back(m_desktop.openWindow(kind, Qt::blue, frame));
+        return m_foreign.back();
+    }
+
+    void showWallpaper()
+    {
+        for (const auto& screen : Screen::screens()) {
+            m_wallpaper.push_back(
+                std::make_unique<DesktopWindow>(QRect(QPoint(), screen.frame.size()),
+                    WindowStyle::Borderless,
+                    WindowBacking::Buffered,
+                    DesktopWindow::Defer::No,
+                    screen));
+            m_wallpaper.back()->setCollectionBehavior(WindowCollectionBehavior::CanJoinAllSpaces);
+            m_wallpaper.back()->orderBack();
+        }
+    }
+
+    VirtualDesktop& m_desktop;
+    Application& m_application;
+    std::vector<std::unique_ptr<DesktopWindow>> m_wallpaper;
+    std::vector<xcb_window_t> m_foreign; // of another program
+    std::unique_ptr<QSignalSpy> m_changes;
+};
+
+int main(int argc, char** argv)
+{
+    static VirtualDesktop desktop; // static, to go after what uses it
+    qputenv("DISPLAY", desktop.display().toUtf8());
+    qputenv("DBUS_SESSION_BUS_ADDRESS", desktop.busAddress().toUtf8());
+    static Application application(argc, argv);
+    int status = EXIT_FAILURE;
+    QObject::connect(
+        &application, &Application::didFinishLaunching, &application, [&status, argc, argv] {
+            ApplicationTest test(desktop, application);
+            status = QTest::qExec(&test, argc, argv);
+            application.terminate();
+        });
+    application.run();
+    return status;
+}
+#include "ApplicationTest.moc"
