@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QDialog>
+#include <QIcon>
+
+#include <optional>
+
+class WindowController;
+
+/// The panel of an offer. Without a frame, and of the dialog type all the same, so that window
+/// managers give it the keyboard; its background moves it.
+class UpgradeWindow : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit UpgradeWindow(QWidget* parent = nullptr);
+
+    /// The one that owns the window.
+    WindowController* windowController() const { return m_windowController; }
+    void setWindowController(WindowController* controller);
+
+    /// The image that is the whole visible window, with its corners. Without one the window is
+    /// plain.
+    void setBackGround(const QIcon& image);
+
+public Q_SLOTS:
+    /// Opens the download's address if its controller has an offer with one, and closes.
+    void openUpdate();
+    void performClose();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    WindowController* m_windowController = nullptr;
+    QIcon m_backGround;
+    std::optional<QPoint> m_grip; ///< where the pointer holds the window that it moves
+};

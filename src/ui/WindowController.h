@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QString>
+#include <QWidget>
+
+#include <memory>
+
+/// Owns a window that an interface file of the bundle describes (`NAME.ui`). The window is made
+/// when it is first asked for; closing hides it, and it can be shown again. Main thread only.
+///
+/// A file that is missing, cannot be read or lacks one of the controls ends the process: the
+/// installation is broken.
+class WindowController : public QObject {
+    Q_OBJECT
+
+public:
+    explicit WindowController(QString nibName);
+    ~WindowController() override;
+    WindowController(const WindowController&) = delete;
+    WindowController& operator=(const WindowController&) = delete;
+
+    bool isWindowLoaded() const { return m_window != nullptr; }
+    /// Makes the window unless it is there already.
+    void loadWindow();
+    QWidget& window(); ///< loads it first
+
+    /// Shows it in front and gives it the keyboard.
+    void showWindow();
+    void close();
+
+protected:
+    /// Runs once, when the window has been made and not been shown.
+    virtual void windowDidLoad() {}
+
+    /// The window's control of that object name, or the window itself; loads the window first.
+    template <class Widget>
+    Widget& outlet(const char* name)
+    {
+        auto* widget = qobject_cast<Widget*>(find(name));
+        if (!widget)
+            failOnOutlet(name, Widget::staticMetaObject.className());
+        return *widget;
+    }
+
+private:
+    QObject* find(const char* name);
+    [[noreturn]] void failOnOutlet(const char* name, const char* className) const;
+
+    QString m_nibName;
+    std::unique_ptr<QWidget> m_window;
+};
