@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
 #include <memory>
 
@@ -14,6 +15,10 @@ public:
     /// status 0 and one line where this session already has a running instance.
     Application(int& argc, char** argv);
     ~Application() override;
+
+    /// Posted on the process's default notification centre when the delegate has been told of the
+    /// same.
+    static QString didChangeScreenParametersNotification();
 
     /// Runs the loop; returns the process's exit status.
     int run();

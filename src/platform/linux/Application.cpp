@@ -1,5 +1,6 @@
 #include "platform/Application.h"
 
+#include "base/NotificationCenter.h"
 #include "platform/SessionInstance.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/x11/X11Connection.h"
@@ -102,7 +103,10 @@ Application::Application(int& argc, char** argv)
     auto& screenChanges = m_body->screenChanges;
     screenChanges.setSingleShot(true);
     screenChanges.setInterval(100ms);
-    connect(&screenChanges, &QTimer::timeout, this, &Application::didChangeScreenParameters);
+    connect(&screenChanges, &QTimer::timeout, this, [this] {
+        Q_EMIT didChangeScreenParameters();
+        NotificationCenter::defaultCenter().post(didChangeScreenParametersNotification());
+    });
 
     const auto noteChange = [&screenChanges] { screenChanges.start(); };
     const auto follow = [this, noteChange](QScreen* screen) {
@@ -130,6 +134,11 @@ Application::Application(int& argc, char** argv)
 }
 
 Application::~Application() = default;
+
+QString Application::didChangeScreenParametersNotification()
+{
+    return QStringLiteral("NSApplicationDidChangeScreenParametersNotification");
+}
 
 int Application::run()
 {
