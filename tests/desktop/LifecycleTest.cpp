@@ -70,6 +70,24 @@ private Q_SLOTS:
         QTRY_COMPARE(listener.names, QStringList{QStringLiteral("com.zemra.fendix.mac.ter0")});
     }
 
+    void silentNameServer_doesNotHoldUpTheEnd()
+    {
+        HelperProcess helper(m_desktop);
+        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
+        helper.setEnvironment(
+            QStringLiteral("TAVELOR_SERVICE_URL"), QStringLiteral("https://service.example"));
+        helper.setEnvironment(QStringLiteral("LD_PRELOAD"), QStringLiteral(SLOW_RESOLVER));
+        helper.setEnvironment(
+            QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+        helper.start();
+        QTRY_COMPARE(m_desktop.leftColour(), QStringLiteral("red"));
+
+        helper.process().terminate();
+
+        QVERIFY(helper.waitForEnd());
+        QCOMPARE(helper.process().exitCode(), 0);
+    }
+
     void secondInstance_saysSoAndEnds()
     {
         HelperProcess first(m_desktop);

@@ -13,10 +13,12 @@
 
 #include <chrono>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
 #include <optional>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
@@ -62,6 +64,15 @@ void limitRetainedMemory()
     mallopt(M_MMAP_THRESHOLD, pictureSize);
     mallopt(M_TRIM_THRESHOLD, pictureSize);
     mallopt(M_ARENA_MAX, 2);
+}
+
+/// Looking up a host's name cannot be called off, and Qt waits for it while it is taken down: half
+/// a minute where the name servers are silent. All has been said and saved by then.
+void limitEnd()
+{
+    constexpr unsigned patience = 3; // seconds
+    std::signal(SIGALRM, [](int) { std::_Exit(EXIT_SUCCESS); });
+    alarm(patience);
 }
 
 int& prepare(int& argc)
@@ -133,7 +144,11 @@ Application::Application(int& argc, char** argv)
     connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, &Application::willTerminate);
 }
 
-Application::~Application() = default;
+Application::~Application()
+{
+    m_body.reset();
+    alarm(0);
+}
 
 QString Application::didChangeScreenParametersNotification()
 {
@@ -150,6 +165,7 @@ int Application::run()
             &Application::didChangeOcclusionState);
     QTimer::singleShot(0ms, this, &Application::didFinishLaunching);
     const int status = QApplication::exec();
+    limitEnd();
     m_body->terminationSignals.reset(); // a second Ctrl+C ends a process that hangs at its end
     return status;
 }

@@ -1,0 +1,38 @@
+#include "platform/Application.h"
+#include "platform/Recording.h"
+#include "platform/StatusBar.h"
+
+// The application whose messages a test sends by itself, on a desktop without a status bar.
+
+class Application::Body {};
+
+Application::Application(int& /*argc*/, char** /*argv*/) {}
+
+Application::~Application() = default;
+
+QString Application::didChangeScreenParametersNotification()
+{
+    return QStringLiteral("screen parameters");
+}
+
+void Application::terminate()
+{
+    Recording::lines().append(QStringLiteral("terminate"));
+}
+
+class StatusBar::Body {};
+
+StatusBar::StatusBar() = default;
+
+StatusBar::~StatusBar() = default;
+
+StatusBar& StatusBar::shared()
+{
+    static StatusBar statusBar;
+    return statusBar;
+}
+
+bool StatusBar::isAvailable() const
+{
+    return false;
+}
