@@ -15,7 +15,6 @@ struct CodingError {
         TypeMismatch,  ///< decoding: a value of another kind than the expected type
         ValueNotFound, ///< decoding: null where the expected type has to be
         KeyNotFound,   ///< decoding: an object lacks a key
-        DataCorrupted, ///< decoding: no JSON, or JSON beyond the limits of `parseJson`
         InvalidValue,  ///< encoding: a value that JSON has no notation for
     };
 

@@ -29,6 +29,8 @@ std::optional<QByteArray> cipher(QByteArray bytes, Direction direction)
     auto* const data = reinterpret_cast<unsigned char*>(bytes.data());
     int length = 0;
     int finalLength = 0;
+    // What replies end with is looked at below.
+    const bool pads = direction == Direction::Encipher;
     const bool done = context &&
                       EVP_CipherInit_ex(context.get(),
                           EVP_aes_128_cbc(),
@@ -36,12 +38,27 @@ std::optional<QByteArray> cipher(QByteArray bytes, Direction direction)
                           key,
                           initialisationVector,
                           static_cast<int>(direction)) &&
+                      EVP_CIPHER_CTX_set_padding(context.get(), pads ? 1 : 0) &&
                       EVP_CipherUpdate(context.get(), data, &length, data, inputSize) &&
                       EVP_CipherFinal_ex(context.get(), data + length, &finalLength);
     if (!done)
         return std::nullopt;
     bytes.truncate(length + finalLength);
     return bytes;
+}
+
+/// Takes the padding of PKCS#7 away; false when it is wrong. A tail of zeros is no padding.
+bool removePadding(QByteArray& text)
+{
+    if (text.isEmpty())
+        return false;
+    const auto last = static_cast<unsigned char>(text.back());
+    if (last == 0)
+        return true;
+    if (last > blockSize || !text.endsWith(QByteArray(last, text.back())))
+        return false;
+    text.chop(last);
+    return true;
 }
 
 QByteArray withEscapedQuotes(const QByteArray& text)
@@ -72,7 +89,7 @@ std::optional<QByteArray> Envelope::openBody(const QByteArray& reply)
     if (!sealed)
         return std::nullopt;
     auto text = cipher(std::move(*sealed), Direction::Decipher);
-    if (!text || !QUtf8StringView(*text).isValidUtf8())
+    if (!text || !removePadding(*text) || !QUtf8StringView(*text).isValidUtf8())
         return std::nullopt;
     if (text->contains('\0'))
         text->removeIf([](char character) { return character == '\0'; });

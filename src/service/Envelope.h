@@ -13,8 +13,9 @@ namespace Envelope {
 /// before it is enciphered. None when the cipher fails.
 std::optional<QByteArray> sealBody(const QByteArray& body);
 
-/// The text of a reply in UTF-8, without the NUL characters that the service may fill it up with.
-/// None for what is not base64, does not decipher, or is no UTF-8.
+/// The text of a reply in UTF-8, without the NUL characters that the service may fill it up with,
+/// inside the padding or instead of it. None for what is not base64, does not decipher, or is no
+/// UTF-8.
 std::optional<QByteArray> openBody(const QByteArray& reply);
 
 } // namespace Envelope

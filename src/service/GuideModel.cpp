@@ -44,10 +44,7 @@ private:
     GuideModel::Picture decode(const QByteArray& data)
     {
         auto image = decodePicture(data, m_memoryLeft);
-        if (image.isNull())
-            return nullptr;
-        m_memoryLeft -= image.sizeInBytes();
-        return std::make_shared<const QImage>(std::move(image));
+        return image.isNull() ? nullptr : std::make_shared<const QImage>(std::move(image));
     }
 
     qint64 m_memoryLeft = pixelMemoryLimit;

@@ -1,5 +1,7 @@
 #include "service/HeartbeatSchedule.h"
 
+#include <algorithm>
+
 using namespace std::chrono_literals;
 
 HeartbeatSchedule::HeartbeatSchedule(quint32 draw)
@@ -9,7 +11,13 @@ HeartbeatSchedule::HeartbeatSchedule(quint32 draw)
 
 std::optional<QDateTime> HeartbeatSchedule::next(const QDateTime& now)
 {
-    auto day = now.toLocalTime().date().addDays(1);
+    const auto today = now.toLocalTime().date();
+    if (today == m_due && today != m_reported) {
+        const auto date = fireDate(today);
+        if (date && *date > now)
+            return date;
+    }
+    auto day = today.addDays(1);
     if (day == m_reported) // the clock was set back over midnight
         day = day.addDays(1);
 
@@ -24,9 +32,9 @@ std::optional<QDateTime> HeartbeatSchedule::next(const QDateTime& now)
     return std::nullopt;
 }
 
-void HeartbeatSchedule::markReported()
+void HeartbeatSchedule::markReported(const QDateTime& now)
 {
-    m_reported = m_due;
+    m_reported = std::max(m_due, now.toLocalTime().date());
 }
 
 std::optional<QDateTime> HeartbeatSchedule::fireDate(const QDate& day) const

@@ -20,11 +20,12 @@ public:
 
     std::chrono::milliseconds offset() const { return m_offset; }
 
-    /// The first report after this moment, at the next midnight at the earliest. A day that has
-    /// been reported already is passed over. None when the calendar knows no such day.
+    /// The first report after this moment, at the next midnight at the earliest unless the one that
+    /// has been waited for is still to come. A day that has been reported already is passed over.
+    /// None when the calendar knows no such day.
     std::optional<QDateTime> next(const QDateTime& now);
-    /// The report that is due has been sent.
-    void markReported();
+    /// The report that was due has been sent at this moment, which may be days later.
+    void markReported(const QDateTime& now);
 
 private:
     std::optional<QDateTime> fireDate(const QDate& day) const;

@@ -102,5 +102,5 @@ private:
 
 /// Parses a UTF-8 text. None for what is no JSON, and for a text nested deeper than 512 levels or
 /// of more than 100,000 values, which no honest reply comes near: the memory that a hostile one can
-/// claim stays below some 16 MB beside its text. Of equal keys in one object the last one counts.
+/// claim stays below some 40 MB beside its text. Of equal keys in one object the last one counts.
 std::optional<nlohmann::json> parseJson(std::string_view text);

@@ -14,7 +14,8 @@ std::optional<qint64> exactInteger(const nlohmann::json& value)
     } else if (value.is_number_float()) {
         constexpr double beyond = 9223372036854775808.0; // 2^63
         const auto number = value.get<double>();
-        if (number >= -beyond && number < beyond && std::trunc(number) == number)
+        // -2^63 as well is what longer numbers are rounded to; written as an integer it is one.
+        if (number > -beyond && number < beyond && std::trunc(number) == number)
             return static_cast<qint64>(number);
     }
     return std::nullopt;

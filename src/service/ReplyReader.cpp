@@ -8,14 +8,14 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr qint64 bodyLimit = 8 * 1024 * 1024;
-constexpr auto deadline = 20s; // for a server that sends a little now and then
+constexpr auto deadline = 5s; // for a server that sends a little now and then
 
 } // namespace
 
 ReplyReader::ReplyReader(QNetworkReply& reply, SessionManager::Completion completion)
     : QObject(&reply), m_reply(reply), m_completion(std::move(completion))
 {
-    // Without this bound a fast server fills the memory before the main loop comes round to read.
+    // A fast server would fill the memory before the main loop comes round to read.
     reply.setReadBufferSize(bodyLimit);
     connect(&reply, &QNetworkReply::readyRead, this, &ReplyReader::read);
     connect(&reply, &QNetworkReply::finished, this, &ReplyReader::finish);
@@ -45,19 +45,16 @@ std::optional<QByteArray> ReplyReader::result() const
     if (m_body.size() > bodyLimit)
         return std::nullopt;
     const auto status = m_reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    switch (m_reply.error()) {
-    case QNetworkReply::NoError:
-        break;
-    case QNetworkReply::OperationCanceledError:
-    case QNetworkReply::UnknownContentError: // does not unpack, or unpacks to far too much
-        return std::nullopt;
-    default:
-        // An error page is a reply as well, and the network's own failures have no status.
-        if (status < 400 || m_reply.error() < QNetworkReply::ContentAccessDenied)
-            return std::nullopt;
-    }
     const bool redirects = status >= 300 && status < 400;
     if (redirects)
         return std::nullopt;
-    return m_body;
+    const auto error = m_reply.error();
+    if (error == QNetworkReply::NoError)
+        return m_body;
+    // An error page is a reply as well; Qt makes its status an error. Other errors are of the
+    // network, or of a body that does not unpack.
+    const bool isOfStatus =
+        status >= 400 && (error >= QNetworkReply::ContentAccessDenied ||
+                             error == QNetworkReply::ProxyAuthenticationRequiredError);
+    return isOfStatus ? std::optional(m_body) : std::nullopt;
 }

@@ -112,7 +112,7 @@ void WebModel::waitForMidnight()
 void WebModel::midnightRefresh()
 {
     sendHeartbeat(HeartBeatType::MidNight, QStringLiteral("1000"), nullptr);
-    m_schedule.markReported();
+    m_schedule.markReported(QDateTime::currentDateTime());
     waitForMidnight();
 }
 

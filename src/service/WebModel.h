@@ -1,6 +1,5 @@
 #pragma once
 
-#include "base/Disposable.h"
 #include "base/NotificationCenter.h"
 #include "platform/PreferencesSuite.h"
 #include "platform/WallClockTimer.h"
@@ -19,7 +18,6 @@
 
 #include <functional>
 #include <optional>
-#include <vector>
 
 /// The client of the service: asks for upgrades, fetches the guide once, 2.0 seconds after it was
 /// made, and reports daily, soon after midnight. Main thread only.
@@ -64,16 +62,18 @@ public:
     const std::optional<BaseInfoResponse>& baseInfo() const { return m_baseInfo; }
     const std::optional<GuideModel>& guideModel() const { return m_guideModel; }
 
-    /// Fetches the guide.
-    void refreshGudieInfo();
-    /// Sends the daily report and waits for the next midnight.
-    void midnightRefresh();
     /// `n` goes into the report as it is. The completion, which may be empty, gets the answer, or
     /// none when there is none that could be used.
     void sendHeartbeat(HeartBeatType type, const QString& n, HeartbeatCompletion completion);
     /// The completion gets what the service offers, none when that is nothing or does not arrive.
     /// Whether it is newer is for the caller to say.
     void checkUpgrade(UpgradeCompletion completion);
+
+public Q_SLOTS:
+    /// Fetches the guide.
+    void refreshGudieInfo();
+    /// Sends the daily report and waits for the next midnight.
+    void midnightRefresh();
 
 private:
     enum class Function : int { Heartbeat = 21, Upgrade = 24, Guide = 214 };

@@ -38,6 +38,8 @@ private Q_SLOTS:
         QCOMPARE(opened(QByteArray("{}") + QByteArray(20, '\0')), "{}");
         QCOMPARE(opened(QByteArray("a\0b", 3)), "ab");
         QCOMPARE(opened(""), "");
+        const auto filledUp = OpenSsl::encipherUnpadded(QByteArray("{}") + QByteArray(14, '\0'));
+        QCOMPARE(Envelope::openBody(filledUp).value(), "{}");
     }
 
     void unusableReply_yieldsNothing_data()

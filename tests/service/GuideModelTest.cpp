@@ -1,5 +1,7 @@
 #include "service/GuideModel.h"
 
+#include "support/ProcessMemory.h"
+
 #include <QBuffer>
 #include <QTest>
 #include <QtEndian>
@@ -136,6 +138,37 @@ private Q_SLOTS:
 
         QCOMPARE(
             pairs(model({text, picture(Qt::red)}, {link, a}).leftPanel()), std::multiset{red + a});
+    }
+
+    /// Neither costs more than its share of memory and time: minutes, where they do.
+    void hostilePictures_areRefusedAtOnce()
+    {
+        const auto cutOff =
+            QByteArray::fromBase64(picture(Qt::red, {4096, 4096}).toLatin1()).chopped(30);
+        const std::vector<QString> many(500, QString::fromLatin1(cutOff.toBase64()));
+        QVERIFY(model(many, std::vector<QString>(500, a)).leftPanel().empty());
+    }
+
+    void packedTextInAPicture_isNotUnpacked()
+    {
+        const auto text =
+            QByteArray("zTXtkey\0\0", 9) + qCompress(QByteArray(100'000'000, 'x')).mid(4);
+        QByteArray chunk(4, '\0');
+        qToBigEndian(static_cast<quint32>(text.size() - 4), chunk.data());
+        chunk += text + QByteArray(4, '\0');
+        const auto checksum = crc32(
+            0, reinterpret_cast<const Bytef*>(text.constData()), static_cast<uInt>(text.size()));
+        qToBigEndian(static_cast<quint32>(checksum), chunk.data() + chunk.size() - 4);
+        constexpr qsizetype behindTheHead = 33;
+        const auto file =
+            QByteArray::fromBase64(picture(Qt::red).toLatin1()).insert(behindTheHead, chunk);
+        ProcessMemory::forgetPeak();
+        const auto memory = ProcessMemory::peak();
+
+        const auto guide = model({QString::fromLatin1(file.toBase64())}, {a});
+
+        QCOMPARE(guide.leftPanel().size(), std::size_t{1});
+        QVERIFY(ProcessMemory::peak() - memory < 50);
     }
 
     void memoryOfAllPictures_isBounded()

@@ -81,7 +81,7 @@ private Q_SLOTS:
             const auto next = schedule.next(now);
             QVERIFY(next.has_value());
             QCOMPARE(next->toUTC().toString(Qt::ISODate), date);
-            schedule.markReported();
+            schedule.markReported(*next);
             now = *next;
         }
     }
@@ -92,7 +92,7 @@ private Q_SLOTS:
         HeartbeatSchedule schedule(0);
         schedule.next(utc("2026-05-01T12:00:00Z"));
 
-        schedule.markReported(); // late, on the fifth
+        schedule.markReported(utc("2026-05-05T08:00:00Z")); // late
         const auto next = schedule.next(utc("2026-05-05T08:00:00Z"));
 
         QCOMPARE(next->toUTC(), utc("2026-05-05T22:00:00Z"));
@@ -103,9 +103,20 @@ private Q_SLOTS:
         const LocalZone local("UTC");
         HeartbeatSchedule schedule(0);
         schedule.next(utc("2026-05-01T12:00:00Z"));
-        schedule.markReported();
+        schedule.markReported(utc("2026-05-02T00:00:00Z"));
 
         QCOMPARE(schedule.next(utc("2026-05-01T23:59:55Z"))->toUTC(), utc("2026-05-03T00:00:00Z"));
+    }
+
+    void clockSetBetweenMidnightAndTheReport_losesNoDay()
+    {
+        const LocalZone local("UTC");
+        HeartbeatSchedule schedule(1U << 31);
+        schedule.next(utc("2026-05-01T12:00:00Z"));
+
+        QCOMPARE(schedule.next(utc("2026-05-02T00:00:05Z"))->toUTC(), utc("2026-05-02T00:00:30Z"));
+        schedule.markReported(utc("2026-05-02T00:00:30Z"));
+        QCOMPARE(schedule.next(utc("2026-05-02T00:00:10Z"))->toUTC(), utc("2026-05-03T00:00:30Z"));
     }
 
     void clockSetBackByYears_isFollowed()
@@ -113,7 +124,7 @@ private Q_SLOTS:
         const LocalZone local("UTC");
         HeartbeatSchedule schedule(0);
         schedule.next(utc("2036-05-01T12:00:00Z"));
-        schedule.markReported();
+        schedule.markReported(utc("2036-05-02T00:00:00Z"));
 
         QCOMPARE(schedule.next(utc("2026-05-01T12:00:00Z"))->toUTC(), utc("2026-05-02T00:00:00Z"));
     }

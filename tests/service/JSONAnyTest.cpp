@@ -39,6 +39,7 @@ private Q_SLOTS:
         QTest::newRow("one above") << QByteArray("9223372036854775808") << QVariant(0x1p63);
         QTest::newRow("one above, with a point")
             << QByteArray("9223372036854775808.0") << QVariant(0x1p63);
+        QTest::newRow("one below") << QByteArray("-9223372036854775809") << QVariant(-0x1p63);
         QTest::newRow("far below") << QByteArray("-1e300") << QVariant(-1e300);
         QTest::newRow("unsigned beyond all")
             << QByteArray("18446744073709551616") << QVariant(0x1p64);

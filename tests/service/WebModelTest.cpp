@@ -3,10 +3,10 @@
 #include "service/Misbehaviour.h"
 #include "service/OpenSsl.h"
 #include "service/StandInService.h"
+#include "support/ProcessMemory.h"
 #include "support/TemporaryHome.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
@@ -27,21 +27,6 @@ StandInService::Behaviour text(const QByteArray& text)
     return [text](const StandInService&, QSslSocket& socket, const ServiceRequest&) {
         StandInService::reply(socket, OpenSsl::encipher(text));
     };
-}
-
-/// In MiB, of this process.
-qint64 peakMemory()
-{
-    const auto status = TemporaryHome::contents(QStringLiteral("/proc/self/status"));
-    const auto at = status.indexOf("VmHWM:") + 6;
-    return status.mid(at, status.indexOf("kB", at) - at).trimmed().toLongLong() / 1024;
-}
-
-void forgetPeakMemory()
-{
-    QFile file(QStringLiteral("/proc/self/clear_refs"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write("5"), 1);
 }
 
 } // namespace
@@ -227,13 +212,20 @@ private Q_SLOTS:
         QCOMPARE(offer.has_value(), !offered.isNull());
     }
 
+    void errorPage_countsWhenItIsAReply_data()
+    {
+        QTest::addColumn<QByteArray>("status");
+        QTest::newRow("a known one") << QByteArray("500 Internal Server Error");
+        QTest::newRow("one without a name") << QByteArray("429 Too Many Requests");
+        QTest::newRow("a proxy's") << QByteArray("407 Proxy Authentication Required");
+    }
+
     void errorPage_countsWhenItIsAReply()
     {
+        QFETCH(QByteArray, status);
         m_service->setBehaviour(
-            [](const StandInService& service, QSslSocket& socket, const ServiceRequest&) {
-                StandInService::reply(socket,
-                    OpenSsl::encipher(service.answer(heartbeat)),
-                    "500 Internal Server Error");
+            [status](const StandInService& service, QSslSocket& socket, const ServiceRequest&) {
+                StandInService::reply(socket, OpenSsl::encipher(service.answer(heartbeat)), status);
             });
 
         m_model->midnightRefresh();
@@ -256,12 +248,13 @@ private Q_SLOTS:
         QTRY_VERIFY(m_model->heartbeatResponse());
         QTRY_COMPARE(m_events.size(), 3);
         m_service->setBehaviour(Misbehaviour::named(way));
-        forgetPeakMemory();
-        const auto memory = peakMemory();
+        ProcessMemory::forgetPeak();
+        const auto memory = ProcessMemory::peak();
 
         expectFailures(5000);
 
-        QVERIFY2(peakMemory() - memory < 100, qPrintable(QString::number(peakMemory() - memory)));
+        QVERIFY2(ProcessMemory::peak() - memory < 100,
+            qPrintable(QString::number(ProcessMemory::peak() - memory)));
     }
 
     void certificateThatIsNotValid_isAFailure_data()

@@ -141,6 +141,7 @@ Application::Application(int& argc, char** argv)
                 Q_EMIT didResignActive();
         });
     // A session that ends tells Qt, which quits: the same way out for all.
+    connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, limitEnd);
     connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, &Application::willTerminate);
 }
 
@@ -165,7 +166,6 @@ int Application::run()
             &Application::didChangeOcclusionState);
     QTimer::singleShot(0ms, this, &Application::didFinishLaunching);
     const int status = QApplication::exec();
-    limitEnd();
     m_body->terminationSignals.reset(); // a second Ctrl+C ends a process that hangs at its end
     return status;
 }
