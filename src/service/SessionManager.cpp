@@ -6,7 +6,6 @@
 #include <QFile>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSslCertificate>
 
 #include <chrono>
 
@@ -17,12 +16,10 @@ constexpr std::chrono::milliseconds timeout{2000};
 QSslConfiguration trustedConfiguration()
 {
     auto configuration = QSslConfiguration::defaultConfiguration();
+    // Adding leaves the look-up of the system's own as it is; setting all would read hundreds.
     const auto path = QFile::decodeName(qgetenv("SSL_CERT_FILE"));
-    if (!path.isEmpty()) {
-        // Setting any ends Qt's own look-up of the system's, so those are set as well.
-        configuration.setCaCertificates(
-            QSslConfiguration::systemCaCertificates() + QSslCertificate::fromPath(path));
-    }
+    if (!path.isEmpty())
+        configuration.addCaCertificates(path);
     return configuration;
 }
 

@@ -1,7 +1,10 @@
 #include "desktop/HelperProcess.h"
 #include "desktop/StatusNotifierHost.h"
 #include "desktop/VirtualDesktop.h"
+#include "service/OpenSsl.h"
+#include "service/StandInService.h"
 
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -170,6 +173,29 @@ private Q_SLOTS:
         QTRY_COMPARE(m_desktop->leftColour(), QStringLiteral("blue"));
         QTRY_VERIFY(!m_host->entry(path({"Hide Desktop Icon"}))->marked);
         m_desktop->closeWindow(icons);
+    }
+
+    void newerVersion_isOfferedAtTheStartAndOnRequest()
+    {
+        const QTemporaryDir certificates;
+        OpenSsl::makeCertificate(certificates.path());
+        StandInService service(certificates.path());
+        service.setOffer("{\"url\":\"https://example.com/\",\"ver\":\"9.0\"}");
+        m_helper->setEnvironment(QStringLiteral("TAVELOR_SERVICE_URL"), service.origin());
+        m_helper->setEnvironment(QStringLiteral("SSL_CERT_FILE"),
+            certificates.path() + QStringLiteral("/certificate.pem"));
+        const QStringList offered{QStringLiteral("New Version Available")};
+        start();
+        QTRY_COMPARE(m_desktop->windowTitles(), offered);
+
+        m_host->click(path({"Check for Updates..."}));
+        QTRY_COMPARE(service.requests(24).size(), std::size_t{2});
+        service.setOffer({});
+        m_host->click(path({"Check for Updates..."}));
+
+        // The second offer has taken the place of the first by then.
+        QTRY_COMPARE(
+            m_desktop->windowTitles(), offered + QStringList{QStringLiteral("TavelorHelper")});
     }
 
     void quit_endsTheProcess()

@@ -310,12 +310,32 @@ void VirtualDesktop::requestDesktop(std::uint32_t number) const
 
 void VirtualDesktop::requestClose() const
 {
+    for (const auto window : managedWindows())
+        sendToRoot(window, "_NET_CLOSE_WINDOW", XCB_CURRENT_TIME);
+}
+
+std::vector<xcb_window_t> VirtualDesktop::managedWindows() const
+{
     const auto cookie = xcb_get_property(
         connection(), 0, root(), atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 0, 100);
     const auto clients = own(xcb_get_property_reply(connection(), cookie, nullptr));
     const auto* windows = static_cast<xcb_window_t*>(xcb_get_property_value(clients.get()));
-    for (std::uint32_t i = 0; i < clients->value_len; ++i)
-        sendToRoot(windows[i], "_NET_CLOSE_WINDOW", XCB_CURRENT_TIME);
+    return {windows, windows + clients->value_len};
+}
+
+QStringList VirtualDesktop::windowTitles() const
+{
+    QStringList titles;
+    for (const auto window : managedWindows()) {
+        const auto cookie = xcb_get_property(
+            connection(), 0, window, atom("_NET_WM_NAME"), atom("UTF8_STRING"), 0, 100);
+        const auto title = own(xcb_get_property_reply(connection(), cookie, nullptr));
+        if (title && title->value_len > 0) {
+            titles << QString::fromUtf8(static_cast<char*>(xcb_get_property_value(title.get())),
+                static_cast<qsizetype>(title->value_len));
+        }
+    }
+    return titles;
 }
 
 void VirtualDesktop::sendToRoot(xcb_window_t window, const char* type, std::uint32_t value) const

@@ -69,12 +69,15 @@ public:
     void requestClose() const;
     /// As pagers do.
     void requestDesktop(std::uint32_t number) const;
+    /// Of the windows that the window manager manages and that have one.
+    QStringList windowTitles() const;
 
 private:
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
     bool hasWindowManager() const;
+    std::vector<xcb_window_t> managedWindows() const;
     void setProperty(xcb_window_t window,
         const char* name,
         xcb_atom_t type,
