@@ -3,10 +3,8 @@
 
 int main(int argc, char** argv)
 {
-    // Static, so that it is destroyed after the shared components, which come into being later.
-    static int argumentCount = argc; // Qt keeps a reference to it
-    static Application application(argumentCount, argv);
+    Application application(argc, argv);
     const Translation translation(Bundle::main());
     const AppDelegate delegate(application);
-    return application.run();
+    application.run();
 }

@@ -6,7 +6,7 @@
 #include <memory>
 
 /// The application loop and the messages that it sends its delegate. Exactly one, made first in
-/// `main` and destroyed last. SIGTERM, SIGINT and SIGHUP end the loop as `terminate()` does.
+/// `main`. SIGTERM, SIGINT and SIGHUP end the loop as `terminate()` does.
 class Application : public QObject {
     Q_OBJECT
 
@@ -20,8 +20,8 @@ public:
     /// same.
     static QString didChangeScreenParametersNotification();
 
-    /// Runs the loop; returns the process's exit status.
-    int run();
+    /// Runs the loop, and ends the process after it.
+    [[noreturn]] void run();
     void terminate();
 
 Q_SIGNALS:

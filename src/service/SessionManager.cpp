@@ -2,7 +2,6 @@
 
 #include "service/ReplyReader.h"
 
-#include <QCoreApplication>
 #include <QFile>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -37,21 +36,14 @@ QByteArray formEncoded(const SessionManager::Parameters& parameters)
 } // namespace
 
 SessionManager::SessionManager(const QString& agent)
-    : m_agent(agent.toUtf8()),
-      m_tls(trustedConfiguration()),
-      m_network(std::make_unique<QNetworkAccessManager>())
+    : m_agent(agent.toUtf8()), m_tls(trustedConfiguration())
 {
-    m_network->setTransferTimeout(static_cast<int>(timeout.count()));
-    m_network->setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
-    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] {
-        m_network.reset();
-    });
+    m_network.setTransferTimeout(static_cast<int>(timeout.count()));
+    m_network.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
 }
 
 void SessionManager::post(const QUrl& url, const Parameters& parameters, Completion completion)
 {
-    if (!m_network)
-        return;
     QNetworkRequest request(url);
     request.setSslConfiguration(m_tls);
     // One request at a time gains nothing by it, and Qt's takes whatever headers it is flooded
@@ -60,6 +52,6 @@ void SessionManager::post(const QUrl& url, const Parameters& parameters, Complet
     request.setHeader(QNetworkRequest::UserAgentHeader, m_agent);
     request.setHeader(QNetworkRequest::ContentTypeHeader,
         QByteArrayLiteral("application/x-www-form-urlencoded; charset=utf-8"));
-    auto* const reply = m_network->post(request, formEncoded(parameters));
+    auto* const reply = m_network.post(request, formEncoded(parameters));
     new ReplyReader(*reply, std::move(completion)); // owned by the reply
 }

@@ -2,13 +2,11 @@
 
 #include <QByteArray>
 #include <QNetworkAccessManager>
-#include <QObject>
 #include <QSslConfiguration>
 #include <QString>
 #include <QUrl>
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -25,9 +23,7 @@
 ///
 /// Certificates in the file that the environment variable SSL_CERT_FILE names are trusted beside
 /// the system's.
-class SessionManager : public QObject {
-    Q_OBJECT
-
+class SessionManager {
 public:
     using Parameters = std::vector<std::pair<QString, QString>>;
     using Completion = std::function<void(const std::optional<QByteArray>& reply)>;
@@ -37,12 +33,11 @@ public:
 
     /// Sends the parameters as a URL-encoded form in which all but the unreserved characters of
     /// RFC 3986 is percent-escaped. The completion is called once, and not at all when this object
-    /// is gone or the program has begun to end by then.
+    /// is gone by then.
     void post(const QUrl& url, const Parameters& parameters, Completion completion);
 
 private:
     QByteArray m_agent;
     QSslConfiguration m_tls;
-    /// Ends with the main loop: it has a thread, whose libraries go before the shared components.
-    std::unique_ptr<QNetworkAccessManager> m_network;
+    QNetworkAccessManager m_network;
 };

@@ -327,6 +327,13 @@ QStringList VirtualDesktop::windowTitles() const
 {
     QStringList titles;
     for (const auto window : managedWindows()) {
+        const auto typeCookie = xcb_get_property(
+            connection(), 0, window, atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 0, 1);
+        const auto type = own(xcb_get_property_reply(connection(), typeCookie, nullptr));
+        if (type && type->value_len > 0 &&
+            *static_cast<xcb_atom_t*>(xcb_get_property_value(type.get())) ==
+                atom("_NET_WM_WINDOW_TYPE_DESKTOP"))
+            continue;
         const auto cookie = xcb_get_property(
             connection(), 0, window, atom("_NET_WM_NAME"), atom("UTF8_STRING"), 0, 100);
         const auto title = own(xcb_get_property_reply(connection(), cookie, nullptr));

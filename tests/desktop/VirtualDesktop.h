@@ -69,7 +69,7 @@ public:
     void requestClose() const;
     /// As pagers do.
     void requestDesktop(std::uint32_t number) const;
-    /// Of the windows that the window manager manages and that have one.
+    /// Of the managed windows that have one, without those of the desktop itself.
     QStringList windowTitles() const;
 
 private:

@@ -13,12 +13,13 @@
 
 #include <chrono>
 #include <clocale>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
-#include <optional>
-#include <unistd.h>
+
+#ifdef __SANITIZE_ADDRESS__
+#include <sanitizer/lsan_interface.h>
+#endif
 
 using namespace std::chrono_literals;
 
@@ -66,13 +67,15 @@ void limitRetainedMemory()
     mallopt(M_ARENA_MAX, 2);
 }
 
-/// Looking up a host's name cannot be called off, and Qt waits for it while it is taken down: half
-/// a minute where the name servers are silent. All has been said and saved by then.
-void limitEnd()
+/// Ends the process as it is. Taking everything down would wait for decoders, and for name servers
+/// that do not answer, to no end: all has been said and saved, and the system takes back the rest.
+[[noreturn]] void endProcess(int status)
 {
-    constexpr unsigned patience = 3; // seconds
-    std::signal(SIGALRM, [](int) { std::_Exit(EXIT_SUCCESS); });
-    alarm(patience);
+    std::fflush(nullptr);
+#ifdef __SANITIZE_ADDRESS__
+    __lsan_do_leak_check(); // which otherwise runs when all has been taken down
+#endif
+    std::_Exit(status);
 }
 
 int& prepare(int& argc)
@@ -87,14 +90,13 @@ int& prepare(int& argc)
 class Application::Body {
 public:
     Body(int& argc, char** argv, Application& application)
-        : qt(prepare(argc), argv),
-          terminationSignals(std::in_place, [&application] { application.terminate(); })
+        : qt(prepare(argc), argv), terminationSignals([&application] { application.terminate(); })
     {
     }
 
     QApplication qt;
-    std::optional<TerminationSignals> terminationSignals; // while the loop runs
-    QTimer screenChanges;                                 // running while changes still come
+    TerminationSignals terminationSignals;
+    QTimer screenChanges; // running while changes still come
 };
 
 Application::Application(int& argc, char** argv)
@@ -141,33 +143,25 @@ Application::Application(int& argc, char** argv)
                 Q_EMIT didResignActive();
         });
     // A session that ends tells Qt, which quits: the same way out for all.
-    connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, limitEnd);
     connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, &Application::willTerminate);
 }
 
-Application::~Application()
-{
-    m_body.reset();
-    alarm(0);
-}
+Application::~Application() = default;
 
 QString Application::didChangeScreenParametersNotification()
 {
     return QStringLiteral("NSApplicationDidChangeScreenParametersNotification");
 }
 
-int Application::run()
+void Application::run()
 {
-    // Not earlier: shared components are to go before the application does.
     if (auto* const x11 = X11Connection::shared())
         connect(&X11Occlusion::shared(*x11),
             &X11Occlusion::changed,
             this,
             &Application::didChangeOcclusionState);
     QTimer::singleShot(0ms, this, &Application::didFinishLaunching);
-    const int status = QApplication::exec();
-    m_body->terminationSignals.reset(); // a second Ctrl+C ends a process that hangs at its end
-    return status;
+    endProcess(QApplication::exec());
 }
 
 void Application::terminate()
