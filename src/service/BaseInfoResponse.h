@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/JSONMember.h"
+#include "service/ServiceReply.h"
 
 #include <QString>
 #include <QtGlobal>
@@ -36,17 +37,4 @@ struct BaseInfo {
 };
 
 /// The reply with the catalogue of categories and what is searched for most.
-struct BaseInfoResponse {
-    qint64 status;
-    QString info;
-    BaseInfo data;
-
-    bool operator==(const BaseInfoResponse&) const = default;
-
-    static constexpr auto jsonMembers()
-    {
-        return std::tuple(JSONMember("status", &BaseInfoResponse::status),
-            JSONMember("info", &BaseInfoResponse::info),
-            JSONMember("data", &BaseInfoResponse::data));
-    }
-};
+using BaseInfoResponse = ServiceReply<BaseInfo>;

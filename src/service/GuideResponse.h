@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/JSONMember.h"
+#include "service/ServiceReply.h"
 
 #include <QString>
 #include <QtGlobal>
@@ -35,17 +36,4 @@ struct PurpleData {
 };
 
 /// The reply with the guide's pictures.
-struct GuideResponse {
-    qint64 status;
-    QString info;
-    PurpleData data;
-
-    bool operator==(const GuideResponse&) const = default;
-
-    static constexpr auto jsonMembers()
-    {
-        return std::tuple(JSONMember("status", &GuideResponse::status),
-            JSONMember("info", &GuideResponse::info),
-            JSONMember("data", &GuideResponse::data));
-    }
-};
+using GuideResponse = ServiceReply<PurpleData>;

@@ -2,6 +2,7 @@
 
 #include "service/JSONAny.h"
 #include "service/JSONMember.h"
+#include "service/ServiceReply.h"
 
 #include <QString>
 #include <QtGlobal>
@@ -120,17 +121,4 @@ struct DataBody {
 
 /// The reply to a heartbeat. The helper keeps it for whoever may want it; the service alone knows
 /// the units of its numbers.
-struct HeartbeatResponse {
-    qint64 status;
-    QString info;
-    DataBody data;
-
-    bool operator==(const HeartbeatResponse&) const = default;
-
-    static constexpr auto jsonMembers()
-    {
-        return std::tuple(JSONMember("status", &HeartbeatResponse::status),
-            JSONMember("info", &HeartbeatResponse::info),
-            JSONMember("data", &HeartbeatResponse::data));
-    }
-};
+using HeartbeatResponse = ServiceReply<DataBody>;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "service/JSONMember.h"
+#include "service/ServiceReply.h"
 #include "service/VideoDetail.h"
 
 #include <QString>
@@ -29,17 +30,4 @@ struct TotalVideo {
 };
 
 /// The reply with one page of a list of videos.
-struct VideoListResponse {
-    qint64 status;
-    QString info;
-    TotalVideo data;
-
-    bool operator==(const VideoListResponse&) const = default;
-
-    static constexpr auto jsonMembers()
-    {
-        return std::tuple(JSONMember("status", &VideoListResponse::status),
-            JSONMember("info", &VideoListResponse::info),
-            JSONMember("data", &VideoListResponse::data));
-    }
-};
+using VideoListResponse = ServiceReply<TotalVideo>;
