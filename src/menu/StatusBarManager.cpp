@@ -7,7 +7,9 @@
 
 #include <QCursor>
 #include <QFileDialog>
+#include <QKeyEvent>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -117,6 +119,7 @@ void StatusBarManager::buildMainMenu()
 {
     const bool isOpen = m_preferences.isOpenPlayer();
     auto menu = std::make_unique<QMenu>();
+    menu->installEventFilter(this);
     menu->addAction(m_mainWindowItem.get());
     menu->addAction(m_appInfo.displayVersion())->setEnabled(false);
     menu->addAction(&item(m_updatesItem,
@@ -140,6 +143,8 @@ void StatusBarManager::buildMainMenu()
     m_mainMenu.swap(menu);
     if (m_barItem)
         m_barItem->setContextMenu(m_mainMenu.get()); // before the one before goes
+    if (menu)
+        menu->clear(); // or what was exported of its items would stay
 }
 
 void StatusBarManager::showStatusItem()
@@ -167,12 +172,31 @@ void StatusBarManager::rebuildLonelyMenu()
     for (int i = 0; i < count; ++i) {
         const auto number = QString::number(i + 1);
         auto* const screen = menu.addAction(number);
-        screen->setShortcut(QKeySequence(number));
+        if (i < 9)
+            screen->setShortcut(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i));
         screen->setData(i);
         screen->setCheckable(true);
         screen->setChecked(i == m_playerManager.screenIndex());
         connect(screen, &QAction::triggered, this, [this, screen] { changeScreenIndex(*screen); });
     }
+}
+
+bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress && watched == m_mainMenu.get()) {
+        const QKeySequence keys(static_cast<QKeyEvent*>(event)->keyCombination());
+        const auto actions = m_mainMenu->actions();
+        const auto found = std::ranges::find_if(actions, [&keys](const QAction* action) {
+            return action->isEnabled() && !action->shortcut().isEmpty() &&
+                   action->shortcut() == keys;
+        });
+        if (found != actions.end()) {
+            m_mainMenu->close();
+            (*found)->trigger();
+            return true;
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 // -- items

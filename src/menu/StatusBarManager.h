@@ -72,6 +72,10 @@ public:
     void changeScreenIndex(const QAction& sender);
     void quitMenuItemAction();
 
+protected:
+    /// Keys in the open menu: Qt gives shortcuts to windows only.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     /// An item that is made when it is first asked for, and kept.
     using LazyItem = std::unique_ptr<QAction>;
@@ -123,7 +127,6 @@ private:
     LazyItem m_screenItem;
     LazyItem m_mainWindowItem;
     LazyItem m_localFileItem;
-    LazyItem m_versionItem;
     LazyItem m_updatesItem;
     LazyItem m_quitItem;
     std::unique_ptr<QMenu> m_lonelyMenu;

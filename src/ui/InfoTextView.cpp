@@ -1,6 +1,7 @@
 #include "ui/InfoTextView.h"
 
 #include <QImage>
+#include <QRegularExpression>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextDocumentFragment>
@@ -22,6 +23,15 @@ protected:
     QVariant loadResource(int type, const QUrl& /*name*/) override { return nothing(type); }
 };
 
+/// What is left of tables is their texts. One of a few bytes may have billions of cells.
+QString withoutTables(QString html)
+{
+    static const QRegularExpression tags(
+        QStringLiteral("</?\\s*(table|tbody|thead|tfoot|tr|td|th|col|colgroup)\\b[^>]*>?"),
+        QRegularExpression::CaseInsensitiveOption);
+    return html.replace(tags, QStringLiteral(" "));
+}
+
 } // namespace
 
 InfoTextView::InfoTextView(QWidget* parent) : QTextEdit(parent)
@@ -35,7 +45,7 @@ void InfoTextView::appendNotes(const QString& html)
     DetachedDocument notes;
     notes.setUndoRedoEnabled(false);
     notes.setLayoutEnabled(false);
-    notes.setHtml(QString::fromUtf8(html.left(sizeLimit).toUtf8().left(sizeLimit)));
+    notes.setHtml(withoutTables(QString::fromUtf8(html.left(sizeLimit).toUtf8().left(sizeLimit))));
 
     document()->setLayoutEnabled(false);
     QTextCursor end(document());

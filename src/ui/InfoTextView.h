@@ -10,9 +10,8 @@ class InfoTextView : public QTextEdit {
 public:
     explicit InfoTextView(QWidget* parent = nullptr);
 
-    /// Appends the notes, HTML of which no more than 16 KiB are read. Texts of others come here:
-    /// they are not laid out before the next `setText()`, which tables in tables would make slow
-    /// or worse.
+    /// Appends the notes, HTML of which no more than 16 KiB are read, and tables as their texts.
+    /// Texts of others come here: they are not laid out before the next `setText()`.
     void appendNotes(const QString& html);
     /// Replaces all with this plain text, none of whose predecessor's looks remain.
     void setText(const QString& text);

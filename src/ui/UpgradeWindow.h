@@ -1,11 +1,12 @@
 #pragma once
 
+#include "ui/WindowController.h"
+
 #include <QDialog>
 #include <QIcon>
+#include <QPointer>
 
 #include <optional>
-
-class WindowController;
 
 /// The panel of an offer. Without a frame, and of the dialog type all the same, so that window
 /// managers give it the keyboard; its background moves it.
@@ -36,7 +37,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
-    WindowController* m_windowController = nullptr;
+    QPointer<WindowController> m_windowController; // which the window may outlive a little
     QIcon m_backGround;
     std::optional<QPoint> m_grip; ///< where the pointer holds the window that it moves
 };

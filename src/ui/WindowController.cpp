@@ -9,7 +9,10 @@
 
 WindowController::WindowController(QString nibName) : m_nibName(std::move(nibName)) {}
 
-WindowController::~WindowController() = default;
+WindowController::~WindowController()
+{
+    close();
+}
 
 void WindowController::loadWindow()
 {
@@ -22,7 +25,7 @@ void WindowController::loadWindow()
     if (!file.open(QIODevice::ReadOnly))
         qFatal("Cannot read %s: %s.", qUtf8Printable(*path), qUtf8Printable(file.errorString()));
     QString error;
-    m_window = UiLoader::loadInterface(file, &error);
+    m_window.reset(UiLoader::loadInterface(file, &error).release());
     if (!m_window)
         qFatal("Cannot read %s: %s", qUtf8Printable(*path), qUtf8Printable(error));
     windowDidLoad();

@@ -47,5 +47,9 @@ private:
     [[noreturn]] void failOnOutlet(const char* name, const char* className) const;
 
     QString m_nibName;
-    std::unique_ptr<QWidget> m_window;
+    struct DeleteLater {
+        void operator()(QWidget* window) const { window->deleteLater(); }
+    };
+    /// An answer may come while the window runs a loop of its own, as for a drag.
+    std::unique_ptr<QWidget, DeleteLater> m_window;
 };

@@ -15,6 +15,8 @@
 #include <QLabel>
 #include <QTest>
 
+#include <cstdio>
+#include <cstdlib>
 #include <memory>
 
 /// One program, as it is started: its shared components live from the first test to the last.
@@ -48,13 +50,6 @@ private Q_SLOTS:
         m_service->setOffer({});
         m_service->setBehaviour(std::mem_fn(&StandInService::replyProperly));
         Recording::take();
-    }
-
-    /// Nothing shall be on its way when Qt goes, before the shared components.
-    void cleanupTestCase()
-    {
-        QTRY_VERIFY(WebModel::shared().guideModel());
-        answerCheck();
     }
 
     void start_playsAndAsksForUpgradesInSilence()
@@ -243,5 +238,14 @@ private:
     std::unique_ptr<AppDelegate> m_delegate;
 };
 
-QTEST_MAIN(AppDelegateTest)
+/// Ends as the program does, whose shared components are not taken down either.
+int main(int argc, char** argv)
+{
+    const QApplication application(argc, argv);
+    AppDelegateTest test;
+    const int result = QTest::qExec(&test, argc, argv);
+    std::fflush(nullptr);
+    std::_Exit(result);
+}
+
 #include "AppDelegateTest.moc"

@@ -125,6 +125,9 @@ private Q_SLOTS:
         QTest::newRow("a huge word") << offer(version, QString(50'000'000, u'x'));
         QTest::newRow("a huge table") << offer(version,
             QStringLiteral("<table><tr><td colspan=99999999 rowspan=99999999 width=99999999>x"));
+        QTest::newRow("a table with very many columns") << offer(version,
+            QStringLiteral("<TABLE><tr><td title='>' colspan=20480>") +
+                QStringLiteral("<tr><td>x").repeated(1000));
         QTest::newRow("a huge version") << offer(QString(50'000'000, u'x'));
         QTest::newRow("a version of many lines") << offer(QString(50'000'000, u'\n'));
     }

@@ -12,6 +12,7 @@ namespace {
 
 const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
 constexpr auto patienceWithHosts = 5s;
+constexpr auto patienceWithTrays = 1s;
 
 } // namespace
 
@@ -30,6 +31,13 @@ StatusBar::Body::Body(StatusBar& statusBar)
     m_patience.setSingleShot(true);
     connect(&m_patience, &QTimer::timeout, this, &Body::lookForX11Tray);
     m_patience.start(patienceWithHosts);
+    // A tray that comes later has a window; it owns its selection soon before or after.
+    if (auto* const x11 = X11Connection::shared()) {
+        connect(x11, &X11Connection::rootChildrenChanged, this, [this] {
+            if (!isAvailable && !m_patience.isActive())
+                m_patience.start(patienceWithTrays);
+        });
+    }
     lookForHost();
 }
 

@@ -117,9 +117,14 @@ private Q_SLOTS:
         m_desktop.closeWindow(cover);
         QTRY_COMPARE(m_desktop.leftColour(), QStringLiteral("black"));
         QVERIFY(!m_changes->wait(1000)); // longer than a change may take
-        showWallpaper();
 
+        // What is shown anew begins as seen, so this is a change again.
+        showWallpaper();
+        open(WindowKind::Ordinary, everything);
         QTRY_COMPARE(m_changes->count(), 2);
+        m_desktop.closeWindow(std::exchange(m_foreign, {}).back());
+        QTRY_COMPARE(m_changes->count(), 3);
+        m_changes->clear();
     }
 
     void windowManager_mayBeKilledAndComeBack()

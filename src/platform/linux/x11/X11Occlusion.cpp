@@ -49,7 +49,7 @@ Disposable X11Occlusion::add(xcb_window_t window)
 
 void X11Occlusion::noteChange()
 {
-    if (m_shown.empty()) {
+    if (m_shown.empty() && !m_isCovered) {
         m_settling.stop();
         return;
     }
@@ -61,6 +61,10 @@ void X11Occlusion::noteChange()
 
 void X11Occlusion::look()
 {
+    if (m_shown.empty()) {
+        m_isCovered = false; // as whatever is shown next is taken to be
+        return;
+    }
     const auto isCovered = Occlusion::isEverythingCovered(
         X11WindowStack::read(m_connection, m_windowManager, m_shown));
     if (!isCovered || *isCovered == m_isCovered)
