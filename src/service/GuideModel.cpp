@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr qint64 pixelMemoryLimit = 64 * 1024 * 1024;
+constexpr auto pixelMemoryLimit = qint64{64} * 1024 * 1024;
 
 /// A data URL has its data behind the comma.
 QByteArray lastPiece(const QString& text)

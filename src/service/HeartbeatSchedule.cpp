@@ -13,7 +13,7 @@ std::optional<QDateTime> HeartbeatSchedule::next(const QDateTime& now)
 {
     const auto today = now.toLocalTime().date();
     if (today == m_due && today != m_reported) {
-        const auto date = fireDate(today);
+        auto date = fireDate(today);
         if (date && *date > now)
             return date;
     }

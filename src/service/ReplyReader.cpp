@@ -7,7 +7,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qint64 bodyLimit = 8 * 1024 * 1024;
+constexpr auto bodyLimit = qint64{8} * 1024 * 1024;
 constexpr auto deadline = 5s; // for a server that sends a little now and then
 
 } // namespace

@@ -15,7 +15,7 @@ bool isHttpsOrigin(const QUrl& url)
 
 QUrl serviceOrigin(const QByteArray& replacement)
 {
-    const QUrl configured(QStringLiteral(TAVELOR_DEFAULT_SERVICE_URL));
+    QUrl configured(QStringLiteral(TAVELOR_DEFAULT_SERVICE_URL));
     if (replacement.isEmpty())
         return configured;
     QUrl url(QString::fromUtf8(replacement), QUrl::StrictMode);

@@ -49,13 +49,13 @@ WebModel& WebModel::shared()
 }
 
 WebModel::WebModel(const Identity& identity,
-    const QUrl& serviceOrigin,
+    QUrl serviceOrigin,
     NotificationCenter& notifications,
     quint32 draw)
     : m_ct(identity.ct),
       m_version(identity.version),
       m_group(identity.group),
-      m_serviceEndpoint(serviceOrigin),
+      m_serviceEndpoint(std::move(serviceOrigin)),
       m_notifications(notifications),
       m_schedule(draw)
 {

@@ -44,7 +44,7 @@ public:
     /// Borrows all but the values. `draw` is a random number that uses all its bits; it decides how
     /// long after midnight the report is sent.
     WebModel(const Identity& identity,
-        const QUrl& serviceOrigin,
+        QUrl serviceOrigin,
         NotificationCenter& notifications,
         quint32 draw);
 
