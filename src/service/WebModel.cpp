@@ -48,10 +48,8 @@ WebModel& WebModel::shared()
     return model;
 }
 
-WebModel::WebModel(const Identity& identity,
-    QUrl serviceOrigin,
-    NotificationCenter& notifications,
-    quint32 draw)
+WebModel::WebModel(
+    const Identity& identity, QUrl serviceOrigin, NotificationCenter& notifications, quint32 draw)
     : m_ct(identity.ct),
       m_version(identity.version),
       m_group(identity.group),
