@@ -57,7 +57,7 @@ public:
     /// Takes the menu off its item and ends the observations of the preferences.
     void teardown();
 
-    // -- actions, in the menu or not
+    // -- actions, in the menu or not (StatusBarManagerActions.cpp)
 
     void screenDidChanged();
     void toggleVideoDesktop();
