@@ -82,12 +82,8 @@ void AppDelegate::applicationDidResignActive()
 
 void AppDelegate::didWakeNotification()
 {
-    if (!shouldBePlaying())
-        return;
-    auto& manager = VideoPlayerManager::shared();
-    manager.applyWindowLevelToAll();
-    manager.player().play();
-    manager.savePlayingSign();
+    if (shouldBePlaying())
+        VideoPlayerManager::shared().setPlaying(true);
 }
 
 // -- upgrades

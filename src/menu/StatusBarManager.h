@@ -100,7 +100,6 @@ private:
     void buildMainMenu();
     void showStatusItem();
     void rebuildLonelyMenu();
-    void play();
     VideoPlayerScreenType screenType() const;
 
     Preferences& m_preferences;

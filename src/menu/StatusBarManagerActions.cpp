@@ -26,19 +26,12 @@ void StatusBarManager::playPauseAction(QAction& sender)
 {
     if (m_preferences.isPlaying()) {
         sender.setText(tr("Play", "pause play"));
-        m_playerManager.player().pause();
+        m_playerManager.setPlaying(false);
     } else {
         sender.setText(tr("Pause", "play"));
-        play();
+        m_playerManager.setPlaying(true);
     }
     m_preferences.setIsPlaying(!m_preferences.isPlaying());
-}
-
-void StatusBarManager::play()
-{
-    m_playerManager.applyWindowLevelToAll();
-    m_playerManager.player().play();
-    m_playerManager.savePlayingSign();
 }
 
 void StatusBarManager::showLocalFileWindow()
@@ -46,7 +39,9 @@ void StatusBarManager::showLocalFileWindow()
     m_openPanel = std::make_unique<QFileDialog>();
     m_openPanel->setFileMode(QFileDialog::ExistingFile);
     m_openPanel->setNameFilters({QStringLiteral("*.mp4 *.mov")});
-    connect(m_openPanel.get(), &QFileDialog::accepted, this, &StatusBarManager::play);
+    connect(m_openPanel.get(), &QFileDialog::accepted, this, [this] {
+        m_playerManager.setPlaying(true);
+    });
     m_openPanel->show();
 }
 
