@@ -65,7 +65,6 @@ void StatusBarManager::buildMenu()
     }).setShortcut(Qt::CTRL | Qt::Key_Q);
     buildScreenMenu();
     buildMainMenu();
-    showStatusItem();
 }
 
 void StatusBarManager::observePreferences()
@@ -135,8 +134,7 @@ void StatusBarManager::buildMainMenu()
     menu->addSeparator();
     menu->addAction(m_quitItem.get());
     m_mainMenu.swap(menu);
-    if (m_barItem)
-        m_barItem->setContextMenu(m_mainMenu.get()); // before the one before goes
+    showStatusItem(); // which takes the new menu before the one before goes
     if (menu)
         menu->clear(); // or what was exported of its items would stay
 }
