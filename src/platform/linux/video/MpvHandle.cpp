@@ -20,6 +20,7 @@ constexpr Option options[] = {
     {"keep-open", "yes"},
     {"keep-open-pause", "no"},
     {"panscan", "1.0"},
+    {"video-rotate", "no"}, // UprightFilter does
     {"sws-allow-zimg", "no"},
     {"sws-fast", "yes"},
     {"sws-scaler", "fast-bilinear"},

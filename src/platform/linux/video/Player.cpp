@@ -1,6 +1,7 @@
 #include "platform/Player.h"
 
 #include "base/NotificationCenter.h"
+#include "platform/linux/video/MpvNode.h"
 #include "platform/linux/video/PlayerBody.h"
 #include "platform/linux/x11/X11CpuPresenter.h"
 
@@ -8,10 +9,13 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <utility>
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -26,20 +30,16 @@ std::unique_ptr<FramePresenter> makePresenter()
     return std::make_unique<X11CpuPresenter>();
 }
 
-/// What the events that answer us carry as their request's number, besides those of loads.
+/// What the events that answer us carry as their request's number.
 constexpr quint64 endQuery = 1;
-constexpr quint64 firstLoad = 2;
+constexpr quint64 seekRequest = 2;
+constexpr quint64 firstUprightRequest = 3;
+constexpr quint64 firstLoad =
+    firstUprightRequest + UprightFilter::requestCount; // and from there on
 
-const mpv_node* child(const mpv_node& map, const char* key)
-{
-    if (map.format != MPV_FORMAT_NODE_MAP)
-        return nullptr;
-    for (int i = 0; i < map.u.list->num; ++i) {
-        if (std::strcmp(map.u.list->keys[i], key) == 0)
-            return &map.u.list->values[i];
-    }
-    return nullptr;
-}
+/// How long a round of a single picture lasts, by itself not a thirtieth of a second. Repeating it
+/// at that rate would keep the machine busy with showing the same picture again.
+constexpr auto stillDuration = 5s;
 
 } // namespace
 
@@ -101,8 +101,14 @@ PlayerItem* Player::currentItem() const
     return m_body->currentItem();
 }
 
-Player::Body::Body() : m_core(Mpv::create()), m_renderThread(m_core.get(), makePresenter)
+Player::Body::Body()
+    : m_core(Mpv::create()),
+      m_renderThread(m_core.get(), makePresenter),
+      m_upright(*m_core, firstUprightRequest)
 {
+    m_stillPicture.setSingleShot(true);
+    m_stillPicture.setInterval(stillDuration);
+    connect(&m_stillPicture, &QTimer::timeout, this, &Body::finishRound);
     mpv_observe_property(m_core.get(), 0, "eof-reached", MPV_FORMAT_FLAG);
     mpv_set_wakeup_callback(
         m_core.get(),
@@ -121,6 +127,8 @@ Player::Body::~Body()
 
 void Player::Body::setPaused(bool paused)
 {
+    m_isPaused = paused;
+    waitForStillPicture();
     Mpv::setFlag(m_core.get(), "pause", paused);
 }
 
@@ -147,31 +155,42 @@ void Player::Body::replaceCurrentItem(std::unique_ptr<PlayerItem> item)
     if (m_item)
         m_item.release()->deleteLater(); // it may be in the middle of a signal of its own
     m_item = std::move(item);
-    m_entry.reset();
-    m_isLoaded = false;
-    m_isAtEnd = false;
-    m_request = std::max(m_request + 1, firstLoad);
+    m_cannotSeek = false;
 
     if (!m_item) {
-        Mpv::command(m_core.get(), {"stop"});
+        leaveItem();
         return;
     }
     connect(m_item.get(), &PlayerItem::seekToZeroRequested, this, &Body::seekToZero);
     load();
 }
 
+/// Answers and events about what was loaded before mean nothing from now on.
+void Player::Body::forgetLoad()
+{
+    m_entry.reset();
+    m_isLoaded = false;
+    m_request = std::max(m_request + 1, firstLoad);
+    beginRound(Round::SinceLoad);
+}
+
+void Player::Body::leaveItem()
+{
+    forgetLoad();
+    Mpv::command(m_core.get(), {"stop"});
+}
+
 void Player::Body::load()
 {
-    m_offersBefore = m_renderThread.offerCount();
+    forgetLoad();
     const auto path = m_item->url().toLocalFile();
     // libmpv would play the files of a folder and wait for ever on a pipe.
     if (!QFileInfo(path).isFile()) {
-        Mpv::command(m_core.get(), {"stop"});
-        const auto fail = [this, request = m_request] {
+        const auto failLater = [this, request = m_request] {
             if (request == m_request)
-                Q_EMIT itemFailed();
+                fail();
         };
-        QMetaObject::invokeMethod(this, fail, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, failLater, Qt::QueuedConnection);
         return;
     }
     Mpv::command(m_core.get(), {"loadfile", QFile::encodeName(path).constData()}, m_request);
@@ -179,8 +198,22 @@ void Player::Body::load()
 
 void Player::Body::seekToZero()
 {
-    if (m_isLoaded)
-        Mpv::command(m_core.get(), {"seek", "0", "absolute+keyframes"});
+    if (!m_isLoaded)
+        return;
+    if (m_cannotSeek) {
+        load();
+        return;
+    }
+    beginRound(Round::SinceSeek);
+    Mpv::command(m_core.get(), {"seek", "0", "absolute+keyframes"}, seekRequest);
+}
+
+void Player::Body::beginRound(Round round)
+{
+    m_round = round;
+    m_picturesBefore = m_renderThread.pictureCount();
+    m_isAtEnd = false;
+    m_stillPicture.stop();
 }
 
 void Player::Body::processEvents()
@@ -196,10 +229,13 @@ void Player::Body::processEvents()
 
 void Player::Body::handle(const mpv_event& event)
 {
+    m_upright.handle(event);
     switch (event.event_id) {
     case MPV_EVENT_COMMAND_REPLY:
         if (event.reply_userdata >= firstLoad)
             handleLoadAnswer(event);
+        else if (event.reply_userdata == seekRequest && event.error < 0)
+            loadInsteadOfSeeking();
         break;
     case MPV_EVENT_FILE_LOADED:
         if (m_entry) {
@@ -228,8 +264,6 @@ void Player::Body::handle(const mpv_event& event)
         const bool isList = end.reason == MPV_END_FILE_REASON_REDIRECT;
         if (!isOurs || (end.reason != MPV_END_FILE_REASON_ERROR && !isList))
             break;
-        if (isList)
-            Mpv::command(m_core.get(), {"stop"});
         fail();
         break;
     }
@@ -248,11 +282,12 @@ void Player::Body::handleLoadAnswer(const mpv_event& event)
         return;
     const auto& answer = *static_cast<const mpv_event_command*>(event.data);
     if (event.error >= 0) {
-        if (const auto* entry = child(answer.result, "playlist_entry_id"))
+        if (const auto* entry =
+                MpvNode::child(answer.result, "playlist_entry_id", MPV_FORMAT_INT64))
             m_entry = entry->u.int64;
         return;
     }
-    Q_EMIT itemFailed();
+    fail();
 }
 
 void Player::Body::setIsAtEnd(bool isAtEnd)
@@ -262,17 +297,55 @@ void Player::Body::setIsAtEnd(bool isAtEnd)
     // Before the item is loaded the word is about the one before it.
     if (!hasReachedEnd || !m_isLoaded)
         return;
-    // A file whose end has been cut off right after its head is over without a picture; playing
-    // it again and again would keep the machine busy with nothing.
-    if (m_renderThread.offerCount() == m_offersBefore)
-        fail();
+    switch (m_renderThread.pictureCount() - m_picturesBefore) {
+    case 0:
+        finishRoundWithoutPicture();
+        break;
+    case 1:
+        waitForStillPicture();
+        break;
+    default:
+        finishRound();
+    }
+}
+
+void Player::Body::waitForStillPicture()
+{
+    const bool isStill =
+        m_isLoaded && m_isAtEnd && m_renderThread.pictureCount() - m_picturesBefore == 1;
+    if (!isStill || m_isPaused)
+        m_stillPicture.stop();
+    else if (!m_stillPicture.isActive())
+        m_stillPicture.start();
+}
+
+void Player::Body::finishRound()
+{
+    NotificationCenter::defaultCenter().post(PlayerItem::didPlayToEndTimeNotification());
+}
+
+/// A file that was cut off, emptied or cannot be read any more is over without a picture. Playing
+/// it again and again would keep the machine busy with nothing.
+void Player::Body::finishRoundWithoutPicture()
+{
+    if (m_round == Round::SinceSeek)
+        loadInsteadOfSeeking();
     else
-        NotificationCenter::defaultCenter().post(PlayerItem::didPlayToEndTimeNotification());
+        fail();
+}
+
+/// For what cannot seek, raw streams for one. They begin anew when they are loaded again.
+void Player::Body::loadInsteadOfSeeking()
+{
+    if (!m_isLoaded || m_round != Round::SinceSeek)
+        return; // the word is about an earlier item
+    m_cannotSeek = true;
+    load();
 }
 
 void Player::Body::fail()
 {
-    m_isLoaded = false;
-    m_entry.reset();
+    leaveItem(); // a core without a file rests
+    m_renderThread.clearIfNothingWasShown();
     Q_EMIT itemFailed();
 }

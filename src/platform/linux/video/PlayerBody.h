@@ -3,8 +3,10 @@
 #include "platform/Player.h"
 #include "platform/linux/video/MpvHandle.h"
 #include "platform/linux/video/RenderThread.h"
+#include "platform/linux/video/UprightFilter.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <atomic>
 #include <optional>
@@ -33,25 +35,42 @@ Q_SIGNALS:
     void itemBecameReady();
 
 private:
+    /// What began the round that is being played: from the start of the item to its end.
+    enum class Round { SinceLoad, SinceSeek };
+
     void load();
+    void forgetLoad();
+    void leaveItem();
     void seekToZero();
+    void loadInsteadOfSeeking();
+    void beginRound(Round round);
+    void waitForStillPicture();
+    void finishRound();
+    void finishRoundWithoutPicture();
+    void fail();
+
     void processEvents();
     void handle(const mpv_event& event);
     void handleLoadAnswer(const mpv_event& event);
     void setIsAtEnd(bool isAtEnd);
-    void fail();
 
     MpvHandle m_core;
     RenderThread m_renderThread; // after the core, so that it goes first
+    UprightFilter m_upright;
     std::atomic<bool> m_isWakeUpPosted = false;
 
     std::unique_ptr<PlayerItem> m_item;
     quint64 m_request = 0; // of the latest load; answers to earlier ones are about other items
     std::optional<qint64> m_entry; // libmpv's number of the item that is loaded
     bool m_isLoaded = false;
-    bool m_isAtEnd = false;
-    std::uint64_t m_offersBefore = 0; // pictures of earlier items
+    bool m_cannotSeek = false; // the item begins anew by being loaded again
 
+    Round m_round = Round::SinceLoad;
+    std::uint64_t m_picturesBefore = 0; // those of earlier rounds
+    bool m_isAtEnd = false;
+    QTimer m_stillPicture; // running while an item of one picture is shown
+
+    bool m_isPaused = true;
     float m_volume = 1;
     bool m_isMuted = false;
 };

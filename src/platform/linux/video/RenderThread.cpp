@@ -30,6 +30,13 @@ RenderContext createContext(mpv_handle* core, const char* api)
     return RenderContext(context);
 }
 
+mpv_render_frame_info nextPicture(mpv_render_context& context)
+{
+    mpv_render_frame_info information{};
+    mpv_render_context_get_info(&context, {MPV_RENDER_PARAM_NEXT_FRAME_INFO, &information});
+    return information;
+}
+
 /// Takes a picture that nobody will see, or libmpv would wait for it.
 void skipPicture(mpv_render_context& context)
 {
@@ -97,6 +104,11 @@ void RenderThread::clear()
     order([](Orders& orders) { orders.clear = true; });
 }
 
+void RenderThread::clearIfNothingWasShown()
+{
+    order([](Orders& orders) { orders.clearIfNothingWasShown = true; });
+}
+
 void RenderThread::order(const std::function<void(Orders&)>& change)
 {
     {
@@ -134,7 +146,7 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
             isStale = content != Content::Nothing;
             due.reset();
         }
-        if (orders.clear) {
+        if (orders.clear || (orders.clearIfNothingWasShown && content == Content::Nothing)) {
             content = Content::Black;
             isStale = true;
             due.reset();
@@ -147,9 +159,8 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
         }
 
         isOffered = (mpv_render_context_update(&context) & MPV_RENDER_UPDATE_FRAME) != 0;
-        if (isOffered)
-            ++m_offerCount;
         if (isOffered && !presenter.hasSurfaces()) {
+            count(nextPicture(context));
             skipPicture(context);
             content = Content::Picture;
             isOffered = false;
@@ -157,9 +168,13 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
         // A picture comes ahead of its time; the one before it is shown first.
         if (due || !presenter.hasSurfaces() || !presenter.isReady() || !(isOffered || isStale))
             continue;
-        due = isOffered ? timeOfNextPicture(context) : Clock::now();
-        if (isOffered)
+        due = Clock::now();
+        if (isOffered) {
+            const auto picture = nextPicture(context);
+            count(picture); // before the core goes on with the next one
+            due = timeOf(picture);
             content = Content::Picture;
+        }
         if (content == Content::Picture)
             presenter.draw(context);
         else
@@ -168,13 +183,19 @@ void RenderThread::loop(mpv_render_context& context, FramePresenter& presenter)
     }
 }
 
-RenderThread::Due RenderThread::timeOfNextPicture(mpv_render_context& context) const
+void RenderThread::count(const mpv_render_frame_info& picture)
 {
-    mpv_render_frame_info information{};
-    mpv_render_context_get_info(&context, {MPV_RENDER_PARAM_NEXT_FRAME_INFO, &information});
+    // The core also offers its last picture again.
+    constexpr std::uint64_t old = MPV_RENDER_FRAME_INFO_REDRAW | MPV_RENDER_FRAME_INFO_REPEAT;
+    if ((picture.flags & MPV_RENDER_FRAME_INFO_PRESENT) != 0 && (picture.flags & old) == 0)
+        ++m_pictureCount;
+}
+
+RenderThread::Due RenderThread::timeOf(const mpv_render_frame_info& picture) const
+{
     // Nanoseconds since libmpv 0.37, in spite of what render.h says.
     const bool isNanoseconds = mpv_client_api_version() >= MPV_MAKE_VERSION(2, 2);
-    const auto target = isNanoseconds ? information.target_time / 1000 : information.target_time;
+    const auto target = isNanoseconds ? picture.target_time / 1000 : picture.target_time;
     const auto ahead = std::chrono::microseconds(target - mpv_get_time_us(m_core));
     // The core waits for its picture to be taken, so whatever a file's time stamps say, nothing
     // that is far away is waited for.

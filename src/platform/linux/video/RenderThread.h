@@ -38,9 +38,12 @@ public:
     /// Shows black until the next picture comes.
     void clear();
 
-    /// Grows with every picture that the core offers, at least by one, whether or not anybody sees
-    /// it.
-    std::uint64_t offerCount() const { return m_offerCount; }
+    /// The same if there has never been a picture: instead of what other windows left behind.
+    void clearIfNothingWasShown();
+
+    /// Grows with every new picture of a video that was taken from the core, seen or not. It has
+    /// grown when the core goes on.
+    std::uint64_t pictureCount() const { return m_pictureCount; }
 
 private:
     /// What the thread has been told and has not done yet.
@@ -48,6 +51,7 @@ private:
         bool surfacesChanged = false;
         bool presentAgain = false;
         bool clear = false;
+        bool clearIfNothingWasShown = false;
         bool quit = false;
     };
 
@@ -55,14 +59,15 @@ private:
     using Clock = std::chrono::steady_clock;
     using Due = std::optional<Clock::time_point>;
     void waitForWork(const FramePresenter& presenter, const Due& due) const;
-    Due timeOfNextPicture(mpv_render_context& context) const;
+    void count(const mpv_render_frame_info& picture);
+    Due timeOf(const mpv_render_frame_info& picture) const;
     std::pair<Orders, std::vector<Surface>> takeOrders();
     void wake() const;
     void order(const std::function<void(Orders&)>& change);
 
     int m_wakeDescriptor;
     mpv_handle* m_core; // for its clock, which any thread may ask
-    std::atomic<std::uint64_t> m_offerCount = 0;
+    std::atomic<std::uint64_t> m_pictureCount = 0;
     std::mutex m_mutex; // guards the two below
     Orders m_orders;
     std::map<const void*, Surface> m_surfaces;
