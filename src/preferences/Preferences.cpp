@@ -179,6 +179,29 @@ void Preferences::setAutolaunch(bool value)
         &Preferences::autolaunchChanged);
 }
 
+void Preferences::adoptPlayingVideoSign()
+{
+    if (const auto value = m_suite.string(playingVideoSignKey); value != m_playingVideoSign) {
+        setPlayingVideoSign(value.value_or(QString()));
+        // Whoever chooses a video wants to see it.
+        if (!m_isOpenPlayer)
+            setIsOpenPlayer(true);
+        if (!m_isPlaying)
+            setIsPlaying(true);
+    }
+}
+
+bool Preferences::advancePlayingVideoSign(const QString& sign)
+{
+    m_suite.synchronize();
+    if (m_suite.string(playingVideoSignKey) != m_playingVideoSign) {
+        adoptPlayingVideoSign();
+        return false;
+    }
+    setPlayingVideoSign(sign);
+    return true;
+}
+
 void Preferences::updateUserDefaultFromDisk()
 {
     m_suite.synchronize();
@@ -190,14 +213,7 @@ void Preferences::updateUserDefaultFromDisk()
     if (const auto value = m_suite.integer(playModelKey); value != m_playModel)
         setPlayModel(value);
 
-    if (const auto value = m_suite.string(playingVideoSignKey); value != m_playingVideoSign) {
-        setPlayingVideoSign(value.value_or(QString()));
-        // Whoever chooses a video wants to see it.
-        if (!m_isOpenPlayer)
-            setIsOpenPlayer(true);
-        if (!m_isPlaying)
-            setIsPlaying(true);
-    }
+    adoptPlayingVideoSign();
 
     // Not "!=": a volume that is not a number counts as different, and is set again every time.
     if (const auto value = m_suite.floatValue(volumeKey); !(value == m_volume))

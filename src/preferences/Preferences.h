@@ -66,6 +66,11 @@ public:
     void setIsPlaying(bool value);
     void setAutolaunch(bool value);
 
+    /// The helper's own step to the next video. Stores the sign like the setter, unless another
+    /// process has chosen another video meanwhile: then that choice is adopted, as by the refresh,
+    /// and the answer is false.
+    bool advancePlayingVideoSign(const QString& sign);
+
     /// Reads the suite anew and calls the setter of every property that differs. A new sign also
     /// switches the wallpaper on and plays; switching it on also plays.
     void updateUserDefaultFromDisk();
@@ -85,6 +90,7 @@ Q_SIGNALS:
 private:
     void seed();
     void load();
+    void adoptPlayingVideoSign();
 
     enum class Synchronize { No, Yes };
     template <typename Value, typename Write, typename Signal>

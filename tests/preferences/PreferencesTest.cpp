@@ -232,6 +232,20 @@ private Q_SLOTS:
         QCOMPARE(fixture.home.suiteValue(QStringLiteral("isPlaying")), QStringLiteral("true"));
     }
 
+    void advance_givesWayToAnotherProcessesChoice()
+    {
+        Fixture fixture("[General]\nCurrentVideoSign=abc\nisPlaying=false\n");
+        QVERIFY(fixture.preferences->advancePlayingVideoSign(QStringLiteral("def")));
+        QCOMPARE(fixture.home.suiteValue(QStringLiteral("CurrentVideoSign")), "def");
+        const auto& changes = fixture.watch();
+
+        fixture.home.writeSuiteValue(QStringLiteral("CurrentVideoSign"), QStringLiteral("xyz"));
+        QVERIFY(!fixture.preferences->advancePlayingVideoSign(QStringLiteral("ghi")));
+
+        QCOMPARE(changes, strings({"playingVideoSign xyz", "isPlaying true"}));
+        QCOMPARE(fixture.home.suiteValue(QStringLiteral("CurrentVideoSign")), "xyz");
+    }
+
     void removedSign_becomesTheEmptyString()
     {
         Fixture fixture("[General]\nCurrentVideoSign=abc\n");
