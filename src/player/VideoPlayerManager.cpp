@@ -4,9 +4,12 @@
 #include "player/PlayerFrames.h"
 #include "player/PlayerView.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -32,6 +35,7 @@ VideoPlayerManager& VideoPlayerManager::shared()
 {
     static VideoPlayerManager manager(Preferences::shared(),
         LocalVideoDBManager::shared(),
+        OpeningRecord::shared(),
         Workspace::shared(),
         DistributedNotificationCenter::defaultCenter(),
         NotificationCenter::defaultCenter());
@@ -40,20 +44,35 @@ VideoPlayerManager& VideoPlayerManager::shared()
 
 VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
     LocalVideoDBManager& library,
+    OpeningRecord& openings,
     Workspace& workspace,
     DistributedNotificationCenter& distributedCenter,
     NotificationCenter& center)
     : m_preferences(preferences),
       m_library(library),
+      m_openings(openings),
       m_screenType(initialScreenType(preferences.monitorArrange())),
       m_screenIndex(preferences.screenIndex()),
       m_playModel(optionFromRawValue<VideoPlayerPlayModel>(preferences.playModel())
                       .value_or(VideoPlayerPlayModel::single)),
       m_currentScreenList(Screen::screens())
 {
-    m_libraryRetry.setSingleShot(true);
-    m_libraryRetry.setInterval(1s);
-    connect(&m_libraryRetry, &QTimer::timeout, this, &VideoPlayerManager::retryWhileLibraryIsBusy);
+    const auto setUp = [this](QTimer& timer, std::chrono::milliseconds interval, auto handler) {
+        timer.setSingleShot(true);
+        timer.setInterval(interval);
+        connect(&timer, &QTimer::timeout, this, handler);
+    };
+    setUp(m_libraryRetry, 1s, [this] { retryWhileLibraryIsBusy(); });
+    setUp(m_libraryUpdates, 250ms, [this] {
+        if (std::exchange(m_isLibraryUpdateWaiting, false))
+            updateVideoList();
+    });
+    setUp(m_openingTime, 5s, [this] { m_openings.finish(); });
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { m_openings.finish(); });
+    connect(&m_fileWatch, &PlayableFileWatch::found, this, [this](const QString& sign) {
+        m_videoList.moveToSign(sign);
+        playAgain();
+    });
 
     m_notificationObservers.push_back(observe(
         workspace, &Workspace::activeSpaceDidChange, [this] { activeSpaceDidChangeWithNotif(); }));
@@ -63,6 +82,8 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
     m_notificationObservers.push_back(
         center.addObserver(PlayerItem::didPlayToEndTimeNotification(), [this] {
             m_failuresInARow = 0;
+            m_fileWatch.forgetFailures();
+            m_openings.finish();
             playerItemDidReachEnd();
         }));
 }
@@ -79,8 +100,9 @@ std::vector<Screen> VideoPlayerManager::chosenScreens() const
     return {screens[isInRange ? static_cast<std::size_t>(m_screenIndex) : 0]};
 }
 
-void VideoPlayerManager::createWindows()
+void VideoPlayerManager::makeWindows()
 {
+    m_haveScreensChangedWhileClosed = false;
     m_currentScreenList = chosenScreens();
     const auto frames = computePlayerFrames(m_screenType, m_currentScreenList);
 
@@ -103,7 +125,11 @@ void VideoPlayerManager::createWindows()
         window.addSubview(std::move(view));
         applyWindowLevel(window);
     }
+}
 
+void VideoPlayerManager::createWindows()
+{
+    makeWindows();
     if (!m_preferences.isOpenPlayer()) {
         closePlayer();
         return;
@@ -115,28 +141,35 @@ void VideoPlayerManager::createWindows()
         m_preferences.setIsPlaying(true);
 }
 
-void VideoPlayerManager::rebuildWindows()
+void VideoPlayerManager::orderOutWindows() const
 {
     for (const auto& window : m_windowList)
         window->orderOut();
+}
+
+void VideoPlayerManager::rebuildWindows()
+{
+    orderOutWindows();
     createWindows();
+}
+
+bool VideoPlayerManager::areWindowsMadeForTheScreens() const
+{
+    const auto screens = Screen::screens();
+    // With one chosen monitor of several the counts always differ, and so nothing fits.
+    if (m_currentScreenList.size() != screens.size())
+        return false;
+    return std::ranges::all_of(m_currentScreenList, [&](const Screen& screen) {
+        return std::ranges::any_of(
+            screens, [&](const Screen& other) { return other.frame == screen.frame; });
+    });
 }
 
 void VideoPlayerManager::screenParametersDidChange()
 {
     if (!m_preferences.isOpenPlayer())
-        return;
-    const auto screens = Screen::screens();
-    // With one chosen monitor of several the counts always differ and every change rebuilds.
-    if (m_currentScreenList.size() != screens.size()) {
-        rebuildWindows();
-        return;
-    }
-    const bool isStillThere = std::ranges::all_of(m_currentScreenList, [&](const Screen& screen) {
-        return std::ranges::any_of(
-            screens, [&](const Screen& other) { return other.frame == screen.frame; });
-    });
-    if (!isStillThere)
+        m_haveScreensChangedWhileClosed = true; // the windows are made anew when they are opened
+    else if (!areWindowsMadeForTheScreens())
         rebuildWindows();
 }
 

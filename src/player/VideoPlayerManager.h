@@ -3,11 +3,13 @@
 #include "base/Disposable.h"
 #include "base/NotificationCenter.h"
 #include "library/LocalVideoDBManager.h"
+#include "library/OpeningRecord.h"
 #include "platform/DesktopWindow.h"
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/Player.h"
 #include "platform/Screen.h"
 #include "platform/Workspace.h"
+#include "player/PlayableFileWatch.h"
 #include "player/VideoInfoList.h"
 #include "preferences/Preferences.h"
 
@@ -35,6 +37,7 @@ public:
     /// Borrows its collaborators. Shows nothing yet.
     VideoPlayerManager(Preferences& preferences,
         LocalVideoDBManager& library,
+        OpeningRecord& openings,
         Workspace& workspace,
         DistributedNotificationCenter& distributedCenter,
         NotificationCenter& center);
@@ -82,14 +85,22 @@ public:
 
 private:
     std::vector<Screen> chosenScreens() const;
+    bool areWindowsMadeForTheScreens() const;
+    void makeWindows();
+    void orderOutWindows() const;
     void activeSpaceDidChangeWithNotif();
     void tapVideoPlayerViewActionWithGrSender() const;
-    void updateVideoList() { reloadVideoList(); }
+    void updateVideoList();
 
     void makePlayer();
+    void recallUnfinishedOpening();
     std::optional<QUrl> playableUrl();
+    std::unique_ptr<PlayerItem> makeItem(const std::optional<QUrl>& url);
     void replaceItem(const std::optional<QUrl>& url);
-    void observeStatus();
+    void observeItem();
+    bool hasNothingToPlay();
+    void playAgain();
+    void watchForPlayableFiles();
     void observeValueForKeyPath(const QString& keyPath, const PlayerItem& object);
     void playerItemDidReachEnd();
     void retryWhileLibraryIsBusy();
@@ -99,6 +110,7 @@ private:
 
     Preferences& m_preferences;
     LocalVideoDBManager& m_library;
+    OpeningRecord& m_openings;
 
     VideoPlayerScreenType m_screenType;
     qint64 m_screenIndex;
@@ -109,9 +121,15 @@ private:
     VideoInfoList m_videoList;
     std::mutex m_videoListLocker; // held while the list is rebuilt; not recursive
     bool m_isHideDesktopIcon = false;
+    bool m_haveScreensChangedWhileClosed = false;
 
     std::optional<Disposable> m_statusObservation; // of the player's item
     std::size_t m_failuresInARow = 0;
+    bool m_isSavingSign = false;
+    PlayableFileWatch m_fileWatch; // watching while there is nothing to play
+    QTimer m_openingTime;          // running while an item is new
+    QTimer m_libraryUpdates;       // running for a while after one
+    bool m_isLibraryUpdateWaiting = false;
     QTimer m_libraryRetry;
     bool m_isListUnread = false;   // the library was busy when the list was built
     bool m_isChoiceUnread = false; // and when the chosen video was looked up

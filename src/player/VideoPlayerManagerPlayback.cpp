@@ -3,9 +3,13 @@
 #include "base/Observe.h"
 #include "library/VideoUrl.h"
 
+#include <QScopedValueRollback>
 #include <QUrl>
 
+#include <cstdio>
 #include <utility>
+
+using namespace Qt::StringLiterals;
 
 Player& VideoPlayerManager::player()
 {
@@ -17,12 +21,25 @@ Player& VideoPlayerManager::player()
 void VideoPlayerManager::makePlayer()
 {
     reloadVideoList();
-    const auto url = playableUrl();
-    m_player = std::make_unique<Player>(url ? std::make_unique<PlayerItem>(*url) : nullptr);
+    recallUnfinishedOpening();
+    m_player = std::make_unique<Player>(makeItem(playableUrl()));
     m_player->setActionAtItemEnd(Player::ActionAtItemEnd::None);
     m_player->setVolume(m_preferences.volume());
     m_player->setMuted(m_preferences.mute());
-    observeStatus();
+    observeItem();
+}
+
+void VideoPlayerManager::recallUnfinishedOpening()
+{
+    const auto sign = m_openings.takeUnfinished();
+    if (!sign)
+        return;
+    const auto row = m_library.video(*sign);
+    const auto name = row && !row->title.isEmpty() ? row->title : *sign;
+    std::fprintf(stderr,
+        "The helper ended while it was opening \"%s\"; that video is left out until it is "
+        "chosen.\n",
+        qUtf8Printable(name));
 }
 
 bool VideoPlayerManager::isMuted()
@@ -45,49 +62,110 @@ void VideoPlayerManager::setVolume(float volume)
     player().setVolume(volume);
 }
 
-/// Moves the cursor to the first video, from the current one on, whose file is there. None after
-/// one full pass without success.
+/// Moves the cursor to the first video, from the current one on, whose file is there and which has
+/// not ended an earlier process. None after one full pass without success.
 std::optional<QUrl> VideoPlayerManager::playableUrl()
 {
     for (std::size_t tried = 0; tried < m_videoList.count(); ++tried) {
-        auto url = videoUrl(m_videoList.current()->val.url);
-        if (url && videoFileExists(*url))
+        const auto& video = m_videoList.current()->val;
+        auto url = videoUrl(video.url);
+        if (url && videoFileExists(*url) && !m_openings.isSuspect(video.sign))
             return url;
         m_videoList.advance();
     }
     return std::nullopt;
 }
 
+/// Of the current node's URL, if there is one.
+std::unique_ptr<PlayerItem> VideoPlayerManager::makeItem(const std::optional<QUrl>& url)
+{
+    if (!url)
+        return nullptr;
+    m_openings.begin(m_videoList.current()->val.sign);
+    m_openingTime.start();
+    return std::make_unique<PlayerItem>(*url);
+}
+
 void VideoPlayerManager::replaceItem(const std::optional<QUrl>& url)
 {
     m_statusObservation.reset();
-    player().replaceCurrentItem(url ? std::make_unique<PlayerItem>(*url) : nullptr);
-    observeStatus();
+    player().replaceCurrentItem(makeItem(url));
+    observeItem();
 }
 
-void VideoPlayerManager::observeStatus()
+void VideoPlayerManager::observeItem()
 {
     if (const auto* item = m_player->currentItem()) {
         m_statusObservation = observe(*item, &PlayerItem::statusChanged, [this, item] {
-            observeValueForKeyPath(QStringLiteral("status"), *item);
+            observeValueForKeyPath(u"status"_s, *item);
         });
     }
+    watchForPlayableFiles();
 }
 
 void VideoPlayerManager::observeValueForKeyPath(const QString& keyPath, const PlayerItem& object)
 {
     if (keyPath != u"status" || object.status() != PlayerItem::Status::Failed)
         return;
+    m_openings.finish();
+    m_fileWatch.noteFailure(object.url().toLocalFile());
     // A failed video is skipped like one that has ended, but when all of them have failed, going
     // round and round would only keep the machine busy.
     if (++m_failuresInARow >= m_videoList.count() && m_playModel != VideoPlayerPlayModel::single)
         replaceItem(std::nullopt);
     else
         playerItemDidReachEnd();
+    watchForPlayableFiles();
+}
+
+bool VideoPlayerManager::hasNothingToPlay()
+{
+    const auto* item = player().currentItem();
+    return !item || item->status() == PlayerItem::Status::Failed;
+}
+
+/// Tries the current video, or the next one that there is, without opening a closed wallpaper or
+/// going on with a paused one.
+void VideoPlayerManager::playAgain()
+{
+    if (!m_preferences.isOpenPlayer())
+        return;
+    m_failuresInARow = 0;
+    replaceItem(playableUrl());
+    savePlayingSign();
+}
+
+void VideoPlayerManager::watchForPlayableFiles()
+{
+    if (!hasNothingToPlay()) {
+        m_fileWatch.stop();
+        return;
+    }
+    std::vector<PlayableFileWatch::Candidate> candidates;
+    const auto add = [&](const VideoInfoNode& node) {
+        const auto url = videoUrl(node.val.url);
+        if (url && url->isLocalFile() && !m_openings.isSuspect(node.val.sign))
+            candidates.push_back({node.val.sign, url->toLocalFile()});
+    };
+    const auto* const current = m_videoList.current();
+    if (player().currentItem()) { // the one video that is repeated
+        if (current)
+            add(*current);
+    } else { // any video will do, the current one first
+        for (const auto* node = current; node; node = node->next.get())
+            add(*node);
+        for (const auto* node = m_videoList.head(); node != current; node = node->next.get())
+            add(*node);
+    }
+    m_fileWatch.watch(std::move(candidates));
 }
 
 void VideoPlayerManager::openPlayer()
 {
+    if (std::exchange(m_haveScreensChangedWhileClosed, false) && !areWindowsMadeForTheScreens()) {
+        orderOutWindows();
+        makeWindows();
+    }
     applyWindowLevelToAll();
     m_failuresInARow = 0;
     auto& sharedPlayer = player();
@@ -100,8 +178,8 @@ void VideoPlayerManager::openPlayer()
 void VideoPlayerManager::closePlayer()
 {
     player().pause();
-    for (const auto& window : m_windowList)
-        window->orderOut();
+    m_fileWatch.stop();
+    orderOutWindows();
 }
 
 void VideoPlayerManager::setPlaying(bool isPlaying)
@@ -112,6 +190,8 @@ void VideoPlayerManager::setPlaying(bool isPlaying)
     }
     applyWindowLevelToAll();
     player().play();
+    if (hasNothingToPlay())
+        playAgain();
     savePlayingSign();
 }
 
@@ -148,11 +228,13 @@ void VideoPlayerManager::playNext()
 void VideoPlayerManager::reloadVideoList()
 {
     const std::lock_guard lock(m_videoListLocker);
-    m_videoList.clear();
     auto rows = m_library.allVideos();
     m_isListUnread = m_library.lastReading() == LocalVideoDBManager::Reading::Busy;
-    if (m_isListUnread)
-        m_libraryRetry.start();
+    if (m_isListUnread) {
+        m_libraryRetry.start(); // the list stays meanwhile
+        return;
+    }
+    m_videoList.clear();
     if (m_playModel == VideoPlayerPlayModel::random)
         rows = randomlyReordered(rows);
     for (auto& row : rows)
@@ -160,15 +242,32 @@ void VideoPlayerManager::reloadVideoList()
     m_videoList.moveToSign(m_preferences.playingVideoSign());
 }
 
-/// While another process writes, the library reads as empty. That passes, and nobody tells.
+/// However fast the companion posts: the first of a burst at once, the others together.
+void VideoPlayerManager::updateVideoList()
+{
+    if (m_libraryUpdates.isActive()) {
+        m_isLibraryUpdateWaiting = true;
+        return;
+    }
+    reloadVideoList();
+    m_libraryUpdates.start();
+    if (m_player && hasNothingToPlay())
+        playAgain();
+}
+
+/// While another process writes, the library cannot be read. That passes, and nobody tells.
 void VideoPlayerManager::retryWhileLibraryIsBusy()
 {
-    if (std::exchange(m_isChoiceUnread, false))
-        playingSignDidChange(m_preferences.playingVideoSign().value_or(QString()));
+    if (std::exchange(m_isChoiceUnread, false)) {
+        if (m_preferences.isOpenPlayer())
+            playingSignDidChange(m_preferences.playingVideoSign().value_or(QString()));
+        else
+            m_isListUnread = true; // closed meanwhile: it is the first to play when it opens
+    }
     if (m_isListUnread) {
         reloadVideoList();
-        if (m_videoList.current() && !player().currentItem() && m_preferences.isOpenPlayer())
-            openPlayer();
+        if (!m_isListUnread && hasNothingToPlay())
+            playAgain();
     }
     if (!m_preferences.isPlaying())
         player().pause();
@@ -179,14 +278,20 @@ void VideoPlayerManager::savePlayingSign()
     if (!m_videoList.current() || m_isChoiceUnread)
         return;
     const auto sign = m_videoList.current()->val.sign;
+    const QScopedValueRollback isSaving(m_isSavingSign, true);
     if (m_preferences.playingVideoSign() != sign)
-        m_preferences.setPlayingVideoSign(sign);
+        m_preferences.advancePlayingVideoSign(sign);
 }
 
 void VideoPlayerManager::playingSignDidChange(const QString& sign)
 {
-    if (m_videoList.current() && m_videoList.current()->val.sign == sign)
+    if (m_videoList.current() && m_videoList.current()->val.sign == sign) {
+        if (!m_isSavingSign && hasNothingToPlay()) {
+            m_openings.forgive(sign);
+            playAgain();
+        }
         return;
+    }
     if (!isVideoFilePresent(sign)) {
         // A row is deleted for a missing file, never because nobody could look.
         m_isChoiceUnread = m_library.lastReading() == LocalVideoDBManager::Reading::Busy;
@@ -197,6 +302,7 @@ void VideoPlayerManager::playingSignDidChange(const QString& sign)
         return;
     }
     m_isChoiceUnread = false;
+    m_openings.forgive(sign);
     player().pause();
     reloadVideoList();
     openPlayer();
@@ -226,6 +332,8 @@ void VideoPlayerManager::observePreferences()
         m_playModel =
             optionFromRawValue<VideoPlayerPlayModel>(value).value_or(VideoPlayerPlayModel::single);
         reloadVideoList();
+        if (m_player && m_preferences.isOpenPlayer() && hasNothingToPlay())
+            playNext(); // a list goes on where repeating has come to nothing
     }));
     tokens.push_back(observe(m_preferences, &Preferences::isOpenPlayerChanged, [this](bool isOpen) {
         if (isOpen)

@@ -33,7 +33,7 @@ struct ManagerFixture {
         preferences = std::make_unique<Preferences>(*suite);
         library = std::make_unique<LocalVideoDBManager>(info, bundle);
         manager = std::make_unique<VideoPlayerManager>(
-            *preferences, *library, workspace, distributedCenter, center);
+            *preferences, *library, openings, workspace, distributedCenter, center);
     }
 
     QString file(const QString& sign) const
@@ -72,6 +72,7 @@ struct ManagerFixture {
     TemporaryHome home;
     Bundle bundle{home.path()};
     AppInfo info{bundle};
+    OpeningRecord openings{home.path() + QStringLiteral("/opening.json")};
     Workspace workspace;
     DistributedNotificationCenter distributedCenter;
     NotificationCenter center;
