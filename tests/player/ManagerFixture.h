@@ -5,6 +5,8 @@
 #include "support/TemporaryHome.h"
 #include "support/VideoRows.h"
 
+using namespace Qt::StringLiterals;
+
 inline QStringList strings(std::initializer_list<const char*> texts)
 {
     QStringList list;
@@ -13,14 +15,13 @@ inline QStringList strings(std::initializer_list<const char*> texts)
     return list;
 }
 
-inline const Screen left{QStringLiteral("left"), QRect(0, 0, 800, 600)};
-inline const Screen right{QStringLiteral("right"), QRect(800, 0, 800, 600)};
+inline const Screen left{u"left"_s, QRect(0, 0, 800, 600)};
+inline const Screen right{u"right"_s, QRect(800, 0, 800, 600)};
 
 /// A library of videos whose files exist (empty ones: nothing here plays them), settings, and a
 /// manager on the recording bodies.
 struct ManagerFixture {
-    explicit ManagerFixture(
-        const QString& signs = QStringLiteral("abc"), const QByteArray& settings = {})
+    explicit ManagerFixture(const QString& signs = u"abc"_s, const QByteArray& settings = {})
     {
         Recording::reset();
         Recording::screens() = {left};
@@ -28,18 +29,16 @@ struct ManagerFixture {
         for (const auto sign : signs)
             addVideo(sign);
         TemporaryHome::writeFile(home.suiteFile(), "[General]\n" + settings);
-        suite = PreferencesSuite::open(QStringLiteral("K7ZT3QW9RB.tavelor"),
-            home.container() + QStringLiteral("/Preferences"));
+        suite =
+            PreferencesSuite::open(u"K7ZT3QW9RB.tavelor"_s, home.container() + u"/Preferences"_s);
         preferences = std::make_unique<Preferences>(*suite);
         library = std::make_unique<LocalVideoDBManager>(info, bundle);
         manager = std::make_unique<VideoPlayerManager>(
             *preferences, *library, openings, workspace, distributedCenter, center);
     }
 
-    QString file(const QString& sign) const
-    {
-        return home.path() + u'/' + sign + QStringLiteral(".mp4");
-    }
+    QString file(const QString& sign) const { return home.path() + u'/' + sign + u".mp4"_s; }
+    QString recordFile() const { return home.path() + u"/opening.json"_s; }
     void addVideo(const QString& sign) const
     {
         TemporaryHome::writeFile(file(sign), "");
@@ -62,17 +61,14 @@ struct ManagerFixture {
     static QString playing()
     {
         const auto* item = Recording::currentItem();
-        return item ? item->url().fileName().chopped(4) : QStringLiteral("nothing");
+        return item ? item->url().fileName().chopped(4) : u"nothing"_s;
     }
-    QString sign() const
-    {
-        return preferences->playingVideoSign().value_or(QStringLiteral("none"));
-    }
+    QString sign() const { return preferences->playingVideoSign().value_or(u"none"_s); }
 
     TemporaryHome home;
     Bundle bundle{home.path()};
     AppInfo info{bundle};
-    OpeningRecord openings{home.path() + QStringLiteral("/opening.json")};
+    OpeningRecord openings{recordFile()};
     Workspace workspace;
     DistributedNotificationCenter distributedCenter;
     NotificationCenter center;

@@ -7,11 +7,13 @@
 #include <algorithm>
 #include <map>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 VideoDetail video(const QString& sign)
 {
-    return VideoRows::row(sign, QStringLiteral("file:///%1.mp4").arg(sign));
+    return VideoRows::row(sign, u"file:///%1.mp4"_s.arg(sign));
 }
 
 std::deque<VideoDetail> videos(const QString& signs)
@@ -39,7 +41,7 @@ private Q_SLOTS:
     void cursor_walksTheChainAndWraps()
     {
         VideoInfoList list;
-        for (auto& row : videos(QStringLiteral("abc")))
+        for (auto& row : videos(u"abc"_s))
             list.append(row);
         QCOMPARE(list.current(), list.head());
         QVERIFY(!list.tail()->next);
@@ -49,16 +51,16 @@ private Q_SLOTS:
             walked += list.current()->val.sign;
             list.advance();
         }
-        QCOMPARE(walked, QStringLiteral("abcab"));
+        QCOMPARE(walked, u"abcab"_s);
     }
 
     void emptyList_hasNoNodes()
     {
         VideoInfoList list;
-        list.append(video(QStringLiteral("a")));
+        list.append(video(u"a"_s));
         list.clear();
         list.advance();
-        list.moveToSign(QStringLiteral("a"));
+        list.moveToSign(u"a"_s);
 
         QVERIFY(!list.head() && !list.tail() && !list.current());
         QCOMPARE(list.count(), std::size_t{0});
@@ -67,19 +69,19 @@ private Q_SLOTS:
     void moveToSign_findsTheFirstMatchOrStays()
     {
         VideoInfoList list;
-        for (auto& row : videos(QStringLiteral("abcb")))
+        for (auto& row : videos(u"abcb"_s))
             list.append(row);
 
-        list.moveToSign(QStringLiteral("b"));
+        list.moveToSign(u"b"_s);
         QCOMPARE(list.current(), list.head()->next.get());
-        list.moveToSign(QStringLiteral("B"));
+        list.moveToSign(u"B"_s);
         list.moveToSign(std::nullopt);
         QCOMPARE(list.current(), list.head()->next.get());
     }
 
     void longList_isReleasedWithoutRecursion()
     {
-        const auto row = video(QStringLiteral("a"));
+        const auto row = video(u"a"_s);
         VideoInfoList list;
         for (int i = 0; i < 1'000'000; ++i)
             list.append(row);
@@ -91,14 +93,14 @@ private Q_SLOTS:
     void reordering_keepsEveryRowOnce()
     {
         QVERIFY(randomlyReordered({}).empty());
-        auto reordered = signs(randomlyReordered(videos(QStringLiteral("abcdefgh"))));
+        auto reordered = signs(randomlyReordered(videos(u"abcdefgh"_s)));
         std::ranges::sort(reordered);
-        QCOMPARE(reordered, QStringLiteral("abcdefgh"));
+        QCOMPARE(reordered, u"abcdefgh"_s);
     }
 
     void reordering_givesEveryPermutationAboutAsOften()
     {
-        const auto rows = videos(QStringLiteral("abc"));
+        const auto rows = videos(u"abc"_s);
         constexpr int draws = 6000;
         std::map<QString, int> counts;
         for (int i = 0; i < draws; ++i)

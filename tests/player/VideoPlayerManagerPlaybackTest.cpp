@@ -4,7 +4,6 @@
 #include <QTest>
 
 #include <algorithm>
-#include <optional>
 
 using Fixture = ManagerFixture;
 
@@ -50,7 +49,7 @@ private Q_SLOTS:
         Fixture fixture;
         fixture.start();
 
-        fixture.home.writeSuiteValue(QStringLiteral("CurrentVideoSign"), QStringLiteral("b"));
+        fixture.home.writeSuiteValue(u"CurrentVideoSign"_s, u"b"_s);
         fixture.poll();
 
         QCOMPARE(Recording::take(),
@@ -61,7 +60,7 @@ private Q_SLOTS:
                 "window 1 level 18",
                 "window 1 back",
                 "player play"}));
-        fixture.preferences->setPlayingVideoSign(QStringLiteral("b"));
+        fixture.preferences->setPlayingVideoSign(u"b"_s);
         QCOMPARE(Recording::take(), QStringList()); // it plays already
     }
 
@@ -69,55 +68,13 @@ private Q_SLOTS:
     {
         Fixture fixture;
         fixture.start();
-        QFile::remove(fixture.file(QStringLiteral("b")));
+        QFile::remove(fixture.file(u"b"_s));
 
-        fixture.preferences->setPlayingVideoSign(QStringLiteral("b"));
+        fixture.preferences->setPlayingVideoSign(u"b"_s);
 
         QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({"a", "c"}));
         QCOMPARE(Recording::take(), QStringList());
-        QCOMPARE(Fixture::playing(), QStringLiteral("a"));
-    }
-
-    void chosenSignWhileTheLibraryIsLocked_deletesNothing()
-    {
-        Fixture fixture;
-        fixture.start();
-        QFile::remove(fixture.file(QStringLiteral("b")));
-        std::optional<VideoRows::Writer> writer(fixture.home.databaseFile());
-
-        fixture.preferences->setPlayingVideoSign(QStringLiteral("b"));
-
-        writer.reset();
-        QCOMPARE(VideoRows::signs(fixture.home.databaseFile()), strings({"a", "b", "c"}));
-    }
-
-    void chosenSignWhileTheLibraryIsLocked_isPlayedAfterwards()
-    {
-        Fixture fixture(QStringLiteral("abc"), "PlayModel=1\n");
-        fixture.start();
-        std::optional<VideoRows::Writer> writer(fixture.home.databaseFile());
-
-        fixture.preferences->setPlayingVideoSign(QStringLiteral("c"));
-        fixture.endItem();                             // goes on to the next meanwhile
-        QCOMPARE(fixture.sign(), QStringLiteral("c")); // and keeps the choice
-        writer.reset();
-
-        QTRY_COMPARE(Fixture::playing(), QStringLiteral("c"));
-        QCOMPARE(fixture.sign(), QStringLiteral("c"));
-    }
-
-    void listReadWhileTheLibraryIsLocked_isReadAgain()
-    {
-        Fixture fixture(QStringLiteral("ab"), "PlayModel=1\n");
-        fixture.start();
-        std::optional<VideoRows::Writer> writer(fixture.home.databaseFile());
-
-        fixture.distributedCenter.post(QStringLiteral("UpdateVideoList"));
-        fixture.endItem();
-        QCOMPARE(Fixture::playing(), QStringLiteral("nothing"));
-        writer.reset();
-
-        QTRY_COMPARE(Fixture::playing(), QStringLiteral("a"));
+        QCOMPARE(Fixture::playing(), u"a"_s);
     }
 
     void endOfItem_followsThePlayOrder_data()
@@ -132,7 +89,7 @@ private Q_SLOTS:
     void endOfItem_followsThePlayOrder()
     {
         QFETCH(QByteArray, playModel);
-        Fixture fixture(QStringLiteral("abc"), "PlayModel=" + playModel + '\n');
+        Fixture fixture(u"abc"_s, "PlayModel=" + playModel + '\n');
         fixture.start();
 
         QString played = Fixture::playing();
@@ -154,10 +111,10 @@ private Q_SLOTS:
 
     void random_playsEveryVideoOnceAPass()
     {
-        const auto all = QStringLiteral("abcdefgh");
+        const auto all = u"abcdefgh"_s;
         Fixture fixture(all, "PlayModel=2\nCurrentVideoSign=d\n");
         fixture.start();
-        QCOMPARE(Fixture::playing(), QStringLiteral("d"));
+        QCOMPARE(Fixture::playing(), u"d"_s);
 
         // The first pass begins in the middle, at the chosen video. From the second on, passes are
         // whole, and a permutation each: cut the walk where that holds.
@@ -180,15 +137,51 @@ private Q_SLOTS:
         QVERIFY2(isCut, qUtf8Printable(played));
     }
 
-    void playOrderChange_appliesFromTheNextEnd()
+    void playOrderChange_makesANewListForTheNextEnd()
     {
-        Fixture fixture;
+        Fixture fixture(u"a"_s);
         fixture.start();
+        fixture.addVideo(u"n"_s);
 
         fixture.preferences->setPlayModel(1);
         QCOMPARE(Recording::take(), QStringList());
         fixture.endItem();
-        QCOMPARE(Fixture::playing(), QStringLiteral("b"));
+        QCOMPARE(Fixture::playing(), u"n"_s);
+    }
+
+    void choiceOfAnotherProcess_isAdoptedAtTheEndOfAnItem()
+    {
+        Fixture fixture(u"abc"_s, "PlayModel=1\n");
+        fixture.start();
+        fixture.home.writeSuiteValue(u"CurrentVideoSign"_s, u"c"_s);
+
+        fixture.endItem(); // before the next poll
+
+        QCOMPARE(Fixture::playing(), u"c"_s);
+        QCOMPARE(fixture.sign(), u"c"_s);
+        QCOMPARE(fixture.home.suiteValue(u"CurrentVideoSign"_s), u"c"_s);
+    }
+
+    void announcedLibrary_isReadOnceForABurst()
+    {
+        Fixture fixture(u"a"_s, "PlayModel=1\n");
+        fixture.start();
+        const auto announce = [&] { fixture.distributedCenter.post(u"UpdateVideoList"_s); };
+        fixture.addVideo(u"n"_s);
+        announce();
+        QCOMPARE(Recording::take(), QStringList()); // what plays is not disturbed
+        fixture.addVideo(u"m"_s);
+        announce();
+        announce();
+
+        fixture.endItem();
+        QCOMPARE(Fixture::playing(), u"n"_s);
+        fixture.endItem();
+        QCOMPARE(Fixture::playing(), u"a"_s); // the first announcement's list
+        QTest::qWait(300);
+        fixture.endItem();
+        fixture.endItem();
+        QCOMPARE(Fixture::playing(), u"m"_s); // the last one's
     }
 
     void unplayableRows_areSkipped_data()
@@ -204,16 +197,16 @@ private Q_SLOTS:
     void unplayableRows_areSkipped()
     {
         QFETCH(QString, url);
-        Fixture fixture(QStringLiteral("a"), "PlayModel=1\n");
-        fixture.addRow(QStringLiteral("x"), url);
-        fixture.addVideo(QStringLiteral("c"));
+        Fixture fixture(u"a"_s, "PlayModel=1\n");
+        fixture.addRow(u"x"_s, url);
+        fixture.addVideo(u"c"_s);
         fixture.start();
 
         fixture.endItem();
 
-        QCOMPARE(Fixture::playing(), QStringLiteral("c"));
-        QCOMPARE(fixture.sign(), QStringLiteral("c"));
-        QVERIFY(VideoRows::signs(fixture.home.databaseFile()).contains(QStringLiteral("x")));
+        QCOMPARE(Fixture::playing(), u"c"_s);
+        QCOMPARE(fixture.sign(), u"c"_s);
+        QVERIFY(VideoRows::signs(fixture.home.databaseFile()).contains(u"x"_s));
     }
 
     void oddButValidUrls_play_data()
@@ -229,92 +222,14 @@ private Q_SLOTS:
     {
         QFETCH(QString, url);
         Fixture fixture{QString()};
-        TemporaryHome::writeFile(fixture.home.path() + QStringLiteral("/映画 100%#.mp4"), "");
-        fixture.addRow(QStringLiteral("x"), url.replace(QStringLiteral("%1"), fixture.home.path()));
+        TemporaryHome::writeFile(fixture.home.path() + u"/映画 100%#.mp4"_s, "");
+        fixture.addRow(u"x"_s, url.replace(u"%1"_s, fixture.home.path()));
 
         fixture.start();
 
         QVERIFY(Recording::currentItem());
         QCOMPARE(Recording::currentItem()->url().toLocalFile(),
-            fixture.home.path() + QStringLiteral("/映画 100%#.mp4"));
-    }
-
-    void libraryWithoutFiles_leavesThePlayerWithoutAnItem()
-    {
-        Fixture fixture(QStringLiteral("ab"), "PlayModel=1\n");
-        fixture.start();
-        QFile::remove(fixture.file(QStringLiteral("a")));
-        QFile::remove(fixture.file(QStringLiteral("b")));
-
-        fixture.endItem();
-        QCOMPARE(Fixture::playing(), QStringLiteral("nothing"));
-        fixture.endItem(); // nothing to restart either
-        fixture.preferences->setIsOpenPlayer(true);
-        QCOMPARE(Fixture::playing(), QStringLiteral("nothing"));
-    }
-
-    void emptyLibrary_isSurvived()
-    {
-        Fixture fixture{QString()};
-        fixture.start();
-        fixture.endItem();
-        fixture.preferences->setPlayModel(2);
-        fixture.endItem();
-        QCOMPARE(Fixture::playing(), QStringLiteral("nothing"));
-        QCOMPARE(fixture.sign(), QStringLiteral("none"));
-    }
-
-    void failedItem_isSkippedLikeAFinishedOne()
-    {
-        Fixture fixture(QStringLiteral("abc"), "PlayModel=1\n");
-        fixture.start();
-        Recording::failCurrentItem();
-        QCOMPARE(Fixture::playing(), QStringLiteral("b"));
-        fixture.endItem();
-        QCOMPARE(Fixture::playing(), QStringLiteral("c"));
-        // Failures with successes in between are not a reason to stop trying.
-        for (const auto* next : {"a", "b", "c"}) {
-            Recording::failCurrentItem();
-            QCOMPARE(Fixture::playing(), QLatin1String(next));
-            fixture.endItem();
-            fixture.endItem();
-            fixture.endItem();
-        }
-    }
-
-    void onlyTheCurrentItemsStatus_counts()
-    {
-        Fixture fixture(QStringLiteral("abc"), "PlayModel=1\n");
-        fixture.start();
-        auto* const old = Recording::currentItem();
-        fixture.endItem();
-        Q_EMIT old->statusChanged(PlayerItem::Status::Failed);
-        QCOMPARE(Fixture::playing(), QStringLiteral("b"));
-    }
-
-    void whenEveryItemFails_thePlayerStopsTrying()
-    {
-        Fixture fixture(QStringLiteral("ab"), "PlayModel=1\n");
-        fixture.start();
-        Recording::failCurrentItem();
-        Recording::failCurrentItem();
-        QCOMPARE(Fixture::playing(), QStringLiteral("nothing"));
-
-        // Whoever opens or chooses gets another try.
-        fixture.preferences->setPlayingVideoSign(QStringLiteral("a"));
-        QCOMPARE(Fixture::playing(), QStringLiteral("a"));
-    }
-
-    void updateVideoList_picksUpNewRows()
-    {
-        Fixture fixture(QStringLiteral("a"), "PlayModel=1\n");
-        fixture.start();
-        fixture.addVideo(QStringLiteral("n"));
-
-        fixture.distributedCenter.post(QStringLiteral("UpdateVideoList"));
-        fixture.endItem();
-
-        QCOMPARE(Fixture::playing(), QStringLiteral("n"));
+            fixture.home.path() + u"/映画 100%#.mp4"_s);
     }
 
     void observations_endWithTheManager()
@@ -327,7 +242,7 @@ private Q_SLOTS:
         fixture.preferences->setIsPlaying(false);
         fixture.preferences->setScreenIndex(1);
         fixture.endItem();
-        fixture.distributedCenter.post(QStringLiteral("UpdateVideoList"));
+        fixture.distributedCenter.post(u"UpdateVideoList"_s);
         Q_EMIT fixture.workspace.activeSpaceDidChange();
 
         QCOMPARE(Recording::take(), QStringList());

@@ -11,7 +11,7 @@ class VideoPlayerManagerWindowsTest : public QObject {
 private Q_SLOTS:
     void createWindows_whileOpen_buildsAndPlaysInOrder()
     {
-        Fixture fixture(QStringLiteral("ab"), "Volume=0.25\nMute=true\nMonitorArrange=0\n");
+        Fixture fixture(u"ab"_s, "Volume=0.25\nMute=true\nMonitorArrange=0\n");
         Recording::screens() = {left, right};
 
         fixture.manager->createWindows();
@@ -39,23 +39,23 @@ private Q_SLOTS:
                 "window 2 level 18",
                 "window 2 back",
                 "player play"}));
-        QCOMPARE(fixture.sign(), QStringLiteral("a"));
+        QCOMPARE(fixture.sign(), u"a"_s);
     }
 
     void createWindows_whileClosed_hidesThem()
     {
-        Fixture fixture(QStringLiteral("a"), "IsOpenPlayer=false\nisPlaying=false\n");
+        Fixture fixture(u"a"_s, "IsOpenPlayer=false\nisPlaying=false\n");
 
         fixture.manager->createWindows();
 
         QCOMPARE(Recording::take().mid(11), strings({"player pause", "window 1 out"}));
         QVERIFY(!fixture.preferences->isPlaying());
-        QCOMPARE(fixture.sign(), QStringLiteral("none"));
+        QCOMPARE(fixture.sign(), u"none"_s);
     }
 
     void createWindows_whilePaused_startsPlaying()
     {
-        Fixture fixture(QStringLiteral("a"), "isPlaying=false\n");
+        Fixture fixture(u"a"_s, "isPlaying=false\n");
         fixture.manager->createWindows();
         QVERIFY(fixture.preferences->isPlaying());
     }
@@ -75,11 +75,11 @@ private Q_SLOTS:
     void screenTypes_areMappedDifferentlyAtStartAndLater()
     {
         QFETCH(int, raw);
-        Fixture atStart(QStringLiteral("a"), "MonitorArrange=" + QByteArray::number(raw) + '\n');
-        QTEST(atStart.manager->valueForKey(QStringLiteral("screenType")).toInt(), "atStart");
+        Fixture atStart(u"a"_s, "MonitorArrange=" + QByteArray::number(raw) + '\n');
+        QTEST(atStart.manager->valueForKey(u"screenType"_s).toInt(), "atStart");
         Fixture later;
         later.preferences->setMonitorArrange(raw);
-        QTEST(later.manager->valueForKey(QStringLiteral("screenType")).toInt(), "later");
+        QTEST(later.manager->valueForKey(u"screenType"_s).toInt(), "later");
     }
 
     void lonely_usesTheChosenScreenOrTheFirst_data()
@@ -87,7 +87,7 @@ private Q_SLOTS:
         QTest::addColumn<int>("index");
         QTest::addColumn<QString>("screen");
         QTest::newRow("the second") << 1 << "right";
-        QTest::newRow("beyond the last") << 5 << "left";
+        QTest::newRow("just beyond the last") << 2 << "left";
         QTest::newRow("negative") << -1 << "left";
     }
 
@@ -102,12 +102,11 @@ private Q_SLOTS:
         fixture.preferences->setScreenIndex(index);
 
         auto lines = Recording::take();
-        QCOMPARE(lines[0], QStringLiteral("window 1 out")); // the old ones go first
-        QCOMPARE(lines.filter(QStringLiteral("made")),
-            QStringList{
-                QStringLiteral("window 3 made 0,0 800x600 style 4 backing 2 on ") + screen});
-        QCOMPARE(fixture.manager->valueForKey(QStringLiteral("screenType")).toInt(), 2);
-        QCOMPARE(fixture.manager->valueForKey(QStringLiteral("screenIndex")).toInt(), index);
+        QCOMPARE(lines[0], u"window 1 out"_s); // the old ones go first
+        QCOMPARE(lines.filter(u"made"_s),
+            QStringList{u"window 3 made 0,0 800x600 style 4 backing 2 on "_s + screen});
+        QCOMPARE(fixture.manager->valueForKey(u"screenType"_s).toInt(), 2);
+        QCOMPARE(fixture.manager->valueForKey(u"screenIndex"_s).toInt(), index);
     }
 
     void screenChanges_rebuildOnlyWhenSomethingChanged()
@@ -116,27 +115,42 @@ private Q_SLOTS:
         fixture.start();
         const auto rebuilds = [&] {
             fixture.manager->screenParametersDidChange();
-            return !Recording::take().filter(QStringLiteral("made")).isEmpty();
+            return !Recording::take().filter(u"made"_s).isEmpty();
         };
 
         QVERIFY(!rebuilds());
-        Recording::screens() = {{QStringLiteral("other name"), left.frame}};
+        Recording::screens() = {{u"other name"_s, left.frame}};
         QVERIFY(!rebuilds()); // only the frames count
         Recording::screens() = {left, right};
         QVERIFY(rebuilds());
         Recording::screens() = {right, left};
         QVERIFY(!rebuilds());
-        Recording::screens() = {left, {QStringLiteral("right"), QRect(800, 0, 1024, 768)}};
+        Recording::screens() = {left, {u"right"_s, QRect(800, 0, 1024, 768)}};
         QVERIFY(rebuilds());
         Recording::screens() = {};
         QVERIFY(!rebuilds()); // no screens, no windows, no crash
         QVERIFY(!rebuilds());
         Recording::screens() = {left};
         QVERIFY(rebuilds());
+    }
 
+    void screensThatChangedWhileClosed_areUsedWhenItOpens()
+    {
+        Fixture fixture;
+        fixture.start();
         fixture.preferences->setIsOpenPlayer(false);
-        Recording::screens() = {left, right};
-        QVERIFY(!rebuilds());
+        Recording::take();
+        Recording::screens() = {right};
+        fixture.manager->screenParametersDidChange();
+        QCOMPARE(Recording::take(), QStringList());
+
+        fixture.preferences->setIsOpenPlayer(true);
+        const auto lines = Recording::take();
+        QCOMPARE(lines.filter(u"made"_s),
+            strings({"window 2 made 0,0 800x600 style 4 backing 2 on right"}));
+        QCOMPARE(lines.last(), u"player play"_s);
+        fixture.preferences->setIsOpenPlayer(true);
+        QCOMPARE(Recording::take().filter(u"made"_s), QStringList());
     }
 
     void hidingIcons_reordersWhileOpenAndIsRememberedWhileClosed()
@@ -152,6 +166,7 @@ private Q_SLOTS:
         fixture.preferences->setIsOpenPlayer(false);
         Recording::take();
         fixture.manager->setHideDesktopIcon(false);
+        Q_EMIT fixture.workspace.activeSpaceDidChange();
         QCOMPARE(Recording::take(), QStringList());
         fixture.preferences->setIsOpenPlayer(true);
         QCOMPARE(Recording::take().mid(0, 2), strings({"window 1 level 18", "window 1 back"}));
