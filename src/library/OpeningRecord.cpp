@@ -86,9 +86,11 @@ void OpeningRecord::finish()
     write();
 }
 
-void OpeningRecord::forgive(const QString& sign)
+bool OpeningRecord::forgive(const QString& sign)
 {
     refresh();
-    if (m_suspects.remove(sign))
+    const bool wasSuspect = m_suspects.remove(sign);
+    if (wasSuspect)
         write();
+    return wasSuspect;
 }

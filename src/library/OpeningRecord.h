@@ -26,8 +26,8 @@ public:
     void finish();
 
     bool isSuspect(const QString& sign) const { return m_suspects.contains(sign); }
-    /// Somebody wants to see it all the same.
-    void forgive(const QString& sign);
+    /// Somebody wants to see it all the same. Whether it was a suspect.
+    bool forgive(const QString& sign);
     /// Reads whom others have forgiven.
     void refresh();
 

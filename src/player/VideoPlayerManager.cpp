@@ -62,7 +62,7 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
         timer.setInterval(interval);
         connect(&timer, &QTimer::timeout, this, handler);
     };
-    setUp(m_libraryRetry, 1s, [this] { retryWhileLibraryIsBusy(); });
+    setUp(m_libraryRetry, 1s, [this] { readLibraryAgain(); });
     setUp(m_libraryUpdates, 250ms, [this] {
         if (std::exchange(m_isLibraryUpdateWaiting, false))
             updateVideoList();

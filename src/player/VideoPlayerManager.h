@@ -103,7 +103,7 @@ private:
     void watchForPlayableFiles();
     void observeValueForKeyPath(const QString& keyPath, const PlayerItem& object);
     void playerItemDidReachEnd();
-    void retryWhileLibraryIsBusy();
+    void readLibraryAgain();
     void playingSignDidChange(const QString& sign);
     bool isVideoFilePresent(const QString& sign);
     void observePreferences();
@@ -131,7 +131,7 @@ private:
     QTimer m_libraryUpdates;       // running for a while after one
     bool m_isLibraryUpdateWaiting = false;
     QTimer m_libraryRetry;
-    bool m_isListUnread = false;   // the library was busy when the list was built
+    bool m_isListUnread = false;   // the library could not be read when the list was built
     bool m_isChoiceUnread = false; // and when the chosen video was looked up
     std::vector<Disposable> m_notificationObservers;
     std::vector<Disposable> m_observerDisposables; // of the preferences

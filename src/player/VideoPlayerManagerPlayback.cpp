@@ -131,6 +131,7 @@ void VideoPlayerManager::playAgain()
     if (!m_preferences.isOpenPlayer())
         return;
     m_failuresInARow = 0;
+    m_openings.refresh(); // the companion may have forgiven
     replaceItem(playableUrl());
     savePlayingSign();
 }
@@ -229,11 +230,11 @@ void VideoPlayerManager::reloadVideoList()
 {
     const std::lock_guard lock(m_videoListLocker);
     auto rows = m_library.allVideos();
-    m_isListUnread = m_library.lastReading() == LocalVideoDBManager::Reading::Busy;
-    if (m_isListUnread) {
-        m_libraryRetry.start(); // the list stays meanwhile
-        return;
-    }
+    m_isListUnread = m_library.lastReading() != LocalVideoDBManager::Reading::Complete;
+    if (m_isListUnread)
+        m_libraryRetry.start();
+    if (m_library.lastReading() == LocalVideoDBManager::Reading::Busy)
+        return; // the list stays meanwhile
     m_videoList.clear();
     if (m_playModel == VideoPlayerPlayModel::random)
         rows = randomlyReordered(rows);
@@ -255,8 +256,9 @@ void VideoPlayerManager::updateVideoList()
         playAgain();
 }
 
-/// While another process writes, the library cannot be read. That passes, and nobody tells.
-void VideoPlayerManager::retryWhileLibraryIsBusy()
+/// While another process writes, or before a damaged file is replaced, the library cannot be read.
+/// That passes, and nobody tells.
+void VideoPlayerManager::readLibraryAgain()
 {
     if (std::exchange(m_isChoiceUnread, false)) {
         if (m_preferences.isOpenPlayer())
@@ -294,10 +296,10 @@ void VideoPlayerManager::playingSignDidChange(const QString& sign)
     }
     if (!isVideoFilePresent(sign)) {
         // A row is deleted for a missing file, never because nobody could look.
-        m_isChoiceUnread = m_library.lastReading() == LocalVideoDBManager::Reading::Busy;
+        m_isChoiceUnread = m_library.lastReading() != LocalVideoDBManager::Reading::Complete;
         if (m_isChoiceUnread)
             m_libraryRetry.start();
-        else if (m_library.lastReading() == LocalVideoDBManager::Reading::Complete)
+        else
             m_library.deleteVideo(sign);
         return;
     }
