@@ -2,11 +2,13 @@
 
 #include <QDir>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QString bundleVersion(const Bundle& bundle, const QString& fallback)
 {
-    const auto value = bundle.infoDictionary().value(QStringLiteral("CFBundleShortVersionString"));
+    const auto value = bundle.infoDictionary().value(u"CFBundleShortVersionString"_s);
     return value.typeId() == QMetaType::QString ? value.toString() : fallback;
 }
 
@@ -15,11 +17,11 @@ QString folderName(SearchPathDirectory directory)
 {
     switch (directory) {
     case SearchPathDirectory::Caches:
-        return QStringLiteral("Caches");
+        return u"Caches"_s;
     case SearchPathDirectory::ApplicationSupport:
-        return QStringLiteral("Application Support");
+        return u"Application Support"_s;
     case SearchPathDirectory::Preferences:
-        return QStringLiteral("Preferences");
+        return u"Preferences"_s;
     }
     return {};
 }
@@ -34,14 +36,14 @@ const AppInfo& AppInfo::shared()
 
 AppInfo::AppInfo(const Bundle& bundle)
     : m_bundle(bundle),
-      m_version(bundleVersion(bundle, QStringLiteral("1.0.0.0"))),
-      m_displayVersion(bundleVersion(bundle, QStringLiteral("1.0.0")))
+      m_version(bundleVersion(bundle, u"1.0.0.0"_s)),
+      m_displayVersion(bundleVersion(bundle, u"1.0.0"_s))
 {
 }
 
 QString AppInfo::applicationGroupIdentifier()
 {
-    return QStringLiteral("K7ZT3QW9RB.tavelor");
+    return u"K7ZT3QW9RB.tavelor"_s;
 }
 
 QUrl AppInfo::directoryUrl(SearchPathDirectory directory) const
@@ -53,11 +55,10 @@ QUrl AppInfo::directoryUrl(SearchPathDirectory directory) const
         const auto directories = Directories::userDirectories(directory);
         if (directories.isEmpty())
             qFatal("There is no user directory of kind %d.", static_cast<int>(directory));
-        path = QDir(directories.constFirst())
-                   .filePath(m_bundle.identifier().value_or(QStringLiteral("tavelor")));
+        path =
+            QDir(directories.constFirst()).filePath(m_bundle.identifier().value_or(u"tavelor"_s));
     }
-    if (!QFileInfo::exists(path))
-        QDir().mkpath(path);
+    Directories::make(path);
     return QUrl::fromLocalFile(path);
 }
 

@@ -13,8 +13,8 @@ enum class SearchPathDirectory : int {
     Preferences = 22,
 };
 
-/// Where files of this user, and of a group of programs of this user, belong. Nothing is created
-/// here, and all paths are absolute.
+/// Where files of this user, and of a group of programs of this user, belong. All paths are
+/// absolute.
 namespace Directories {
 
 /// The folder that all programs of the group share, or none where no home is known.
@@ -23,5 +23,9 @@ std::optional<QString> groupContainer(const QString& groupIdentifier);
 /// The user's own directories for a code, the preferred one first; empty for a code that has no
 /// directory here.
 QStringList userDirectories(SearchPathDirectory directory);
+
+/// Makes a directory and those above it that are missing, each for this user only whatever the
+/// umask. Whether there is a directory now.
+bool make(const QString& path);
 
 } // namespace Directories

@@ -2,19 +2,23 @@
 
 #include "identity/GroupPreferences.h"
 
+#include <cstdio>
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 // Shared with the companion: the spelling, capitals included, is the interface.
-const auto monitorArrangeKey = QStringLiteral("MonitorArrange");
-const auto screenIndexKey = QStringLiteral("ScreenIndex");
-const auto playModelKey = QStringLiteral("PlayModel");
-const auto playingVideoSignKey = QStringLiteral("CurrentVideoSign");
-const auto volumeKey = QStringLiteral("Volume");
-const auto muteKey = QStringLiteral("Mute");
-const auto alreadyImportVideoKey = QStringLiteral("alreadyImportVideo");
-const auto isOpenPlayerKey = QStringLiteral("IsOpenPlayer");
-const auto isPlayingKey = QStringLiteral("isPlaying");
-const auto autolaunchKey = QStringLiteral("autolaunch");
+const auto monitorArrangeKey = u"MonitorArrange"_s;
+const auto screenIndexKey = u"ScreenIndex"_s;
+const auto playModelKey = u"PlayModel"_s;
+const auto playingVideoSignKey = u"CurrentVideoSign"_s;
+const auto volumeKey = u"Volume"_s;
+const auto muteKey = u"Mute"_s;
+const auto alreadyImportVideoKey = u"alreadyImportVideo"_s;
+const auto isOpenPlayerKey = u"IsOpenPlayer"_s;
+const auto isPlayingKey = u"isPlaying"_s;
+const auto autolaunchKey = u"autolaunch"_s;
 
 } // namespace
 
@@ -37,12 +41,12 @@ void Preferences::seed()
 {
     const auto seedBoolean = [this](const QString& key, bool value) {
         if (!m_suite.hasValue(key))
-            m_suite.setBoolean(key, value);
+            m_suite.setBoolean(key, value, PreferencesSuite::Overwrite::Never);
     };
     m_suite.synchronize();
     seedBoolean(autolaunchKey, true);
     if (!m_suite.hasValue(volumeKey))
-        m_suite.setDouble(volumeKey, 0.5);
+        m_suite.setDouble(volumeKey, 0.5, PreferencesSuite::Overwrite::Never);
     seedBoolean(muteKey, false);
     seedBoolean(isOpenPlayerKey, true);
     seedBoolean(isPlayingKey, true);
@@ -73,7 +77,7 @@ void Preferences::assign(Value& field,
     Signal changed)
 {
     field = value;
-    (m_suite.*write)(key, value);
+    (m_suite.*write)(key, value, m_overwrite);
     if (synchronize == Synchronize::Yes)
         m_suite.synchronize();
     Q_EMIT(this->*changed)(value);
@@ -179,8 +183,16 @@ void Preferences::setAutolaunch(bool value)
         &Preferences::autolaunchChanged);
 }
 
+/// While the returned guard lives. What is adopted, and what follows from it, is nobody's choice
+/// here: where yet another value has been written by now, that one is for the next refresh.
+QScopedValueRollback<PreferencesSuite::Overwrite> Preferences::adopt()
+{
+    return QScopedValueRollback(m_overwrite, PreferencesSuite::Overwrite::Never);
+}
+
 void Preferences::adoptPlayingVideoSign()
 {
+    const auto adopting = adopt();
     if (const auto value = m_suite.string(playingVideoSignKey); value != m_playingVideoSign) {
         setPlayingVideoSign(value.value_or(QString()));
         // Whoever chooses a video wants to see it.
@@ -193,18 +205,37 @@ void Preferences::adoptPlayingVideoSign()
 
 bool Preferences::advancePlayingVideoSign(const QString& sign)
 {
-    m_suite.synchronize();
-    if (m_suite.string(playingVideoSignKey) != m_playingVideoSign) {
+    // A choice that was read with another property's writing waits to be adopted.
+    if (m_suite.string(playingVideoSignKey) == m_playingVideoSign) {
+        m_suite.setString(playingVideoSignKey, sign, PreferencesSuite::Overwrite::Never);
+        m_suite.synchronize();
+    }
+    if (m_suite.string(playingVideoSignKey) != sign) {
         adoptPlayingVideoSign();
         return false;
     }
-    setPlayingVideoSign(sign);
+    m_playingVideoSign = sign;
+    Q_EMIT playingVideoSignChanged(sign);
     return true;
+}
+
+/// Says so on standard error, once.
+void Preferences::reportLastingProblem()
+{
+    constexpr int lasting = 5;
+    const auto problem = m_suite.problem();
+    m_refreshesWithProblem = problem.isEmpty() ? 0 : m_refreshesWithProblem + 1;
+    if (m_refreshesWithProblem == lasting) {
+        std::fprintf(
+            stderr, "settings %s: %s\n", qUtf8Printable(m_suite.path()), qUtf8Printable(problem));
+    }
 }
 
 void Preferences::updateUserDefaultFromDisk()
 {
     m_suite.synchronize();
+    reportLastingProblem();
+    const auto adopting = adopt();
 
     if (const auto value = m_suite.integer(monitorArrangeKey); value != m_monitorArrange)
         setMonitorArrange(value);

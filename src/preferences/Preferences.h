@@ -4,6 +4,7 @@
 #include "preferences/VideoPlayerOptions.h"
 
 #include <QObject>
+#include <QScopedValueRollback>
 #include <QString>
 #include <QTimer>
 
@@ -90,7 +91,9 @@ Q_SIGNALS:
 private:
     void seed();
     void load();
+    [[nodiscard]] QScopedValueRollback<PreferencesSuite::Overwrite> adopt();
     void adoptPlayingVideoSign();
+    void reportLastingProblem();
 
     enum class Synchronize { No, Yes };
     template <typename Value, typename Write, typename Signal>
@@ -102,6 +105,8 @@ private:
         Signal changed);
 
     PreferencesSuite& m_suite;
+    PreferencesSuite::Overwrite m_overwrite = PreferencesSuite::Overwrite::Always;
+    int m_refreshesWithProblem = 0;
     QTimer m_refreshTimer;
 
     qint64 m_monitorArrange = 0;

@@ -2,8 +2,11 @@
 
 #include "support/TemporaryHome.h"
 
-#include <QDir>
 #include <QTest>
+
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
 
 class AppInfoTest : public QObject {
     Q_OBJECT
@@ -12,82 +15,75 @@ private Q_SLOTS:
     void versions_data()
     {
         QTest::addColumn<QByteArray>("information");
-        QTest::addColumn<QString>("version");
-        QTest::addColumn<QString>("displayVersion");
-
-        const QString fallback = QStringLiteral("1.0.0.0");
-        const QString displayFallback = QStringLiteral("1.0.0");
+        QTest::addColumn<QString>("versions");
+        const QString fallbacks = u"1.0.0.0 1.0.0"_s;
         QTest::newRow("the bundle's own")
-            << QByteArray("CFBundleShortVersionString=2.4.1\n") << "2.4.1"
-            << "2.4.1";
-        QTest::newRow("no information file") << QByteArray() << fallback << displayFallback;
-        QTest::newRow("no such key")
-            << QByteArray("CFBundleIdentifier=a.b\n") << fallback << displayFallback;
-        QTest::newRow("a list instead of a string")
-            << QByteArray("CFBundleShortVersionString=1, 2\n") << fallback << displayFallback;
+            << QByteArray("CFBundleShortVersionString=2.4.1\n") << u"2.4.1 2.4.1"_s;
+        QTest::newRow("no such key") << QByteArray("CFBundleIdentifier=a.b\n") << fallbacks;
+        QTest::newRow("a list") << QByteArray("CFBundleShortVersionString=1, 2\n") << fallbacks;
     }
 
     void versions()
     {
         QFETCH(QByteArray, information);
-        QFETCH(QString, version);
-        QFETCH(QString, displayVersion);
-        const TemporaryHome home;
-        if (!information.isNull())
-            TemporaryHome::writeFile(home.path() + QStringLiteral("/Info.ini"), information);
+        QFETCH(QString, versions);
+        TemporaryHome::writeFile(m_home->path() + u"/Info.ini"_s, information);
 
-        const Bundle bundle(home.path());
+        const Bundle bundle(m_home->path());
         const AppInfo info(bundle);
 
-        QCOMPARE(info.version(), version);
-        QCOMPARE(info.displayVersion(), displayVersion);
+        QCOMPARE(info.version() + u' ' + info.displayVersion(), versions);
     }
+
+    void init() { m_home = std::make_unique<TemporaryHome>(); }
+    void cleanup() { m_home.reset(); }
 
     void directories_lieInTheGroupContainer()
     {
-        const TemporaryHome home;
-        const Bundle bundle(home.path());
-        const AppInfo info(bundle);
+        const auto path = [this](SearchPathDirectory directory) {
+            const Bundle bundle(m_home->path());
+            return AppInfo(bundle).directoryUrl(directory).toLocalFile();
+        };
+        const auto container = m_home->container();
 
-        const auto support = info.applicationSupportDirectory();
-        QCOMPARE(support.toLocalFile(), home.container() + QStringLiteral("/Application Support"));
-        QVERIFY(QDir(support.toLocalFile()).exists());
-        QCOMPARE(info.applicationSupportDirectory(), support);
-        QCOMPARE(info.directoryUrl(SearchPathDirectory::Caches).toLocalFile(),
-            home.container() + QStringLiteral("/Caches"));
-        QCOMPARE(info.directoryUrl(SearchPathDirectory::Preferences).toLocalFile(),
-            home.container() + QStringLiteral("/Preferences"));
-        constexpr auto unnamed = static_cast<SearchPathDirectory>(9);
-        QCOMPARE(info.directoryUrl(unnamed).toLocalFile(), home.container());
-    }
-
-    void withoutContainer_directoriesAreTheUsersOwn()
-    {
-        const TemporaryHome home;
-        qputenv("XDG_DATA_HOME", "not/absolute");
-        qputenv("HOME", "");
-        qputenv("XDG_CACHE_HOME", (home.path() + QStringLiteral("/cache")).toUtf8());
-        const Bundle nameless(home.path());
-        QCOMPARE(AppInfo(nameless).directoryUrl(SearchPathDirectory::Caches).toLocalFile(),
-            home.path() + QStringLiteral("/cache/tavelor"));
-
-        TemporaryHome::writeFile(
-            home.path() + QStringLiteral("/Info.ini"), "CFBundleIdentifier=com.example.helper\n");
-        const Bundle named(home.path());
-        QCOMPARE(AppInfo(named).directoryUrl(SearchPathDirectory::Caches).toLocalFile(),
-            home.path() + QStringLiteral("/cache/com.example.helper"));
-        qunsetenv("XDG_CACHE_HOME");
+        QCOMPARE(
+            path(SearchPathDirectory::ApplicationSupport), container + u"/Application Support"_s);
+        QCOMPARE(path(SearchPathDirectory::Caches), container + u"/Caches"_s);
+        QCOMPARE(path(SearchPathDirectory::Preferences), container + u"/Preferences"_s);
+        QCOMPARE(path(static_cast<SearchPathDirectory>(9)), container);
+        struct stat status {};
+        QCOMPARE(stat(QFile::encodeName(container + u"/Caches"_s).constData(), &status), 0);
+        QCOMPARE(status.st_mode & ALLPERMS, 0700U);
     }
 
     void directoryThatCannotBeMade_isReturnedAllTheSame()
     {
-        const TemporaryHome home;
-        TemporaryHome::writeFile(home.container(), "a file where the folder belongs");
-        const Bundle bundle(home.path());
+        TemporaryHome::writeFile(m_home->container(), "a file where the folder belongs");
+        const Bundle bundle(m_home->path());
 
         QCOMPARE(AppInfo(bundle).applicationSupportDirectory().toLocalFile(),
-            home.container() + QStringLiteral("/Application Support"));
+            m_home->container() + u"/Application Support"_s);
     }
+
+    void withoutContainer_directoriesAreTheUsersOwn()
+    {
+        qputenv("XDG_DATA_HOME", "not/absolute");
+        qputenv("HOME", "");
+        qputenv("XDG_CACHE_HOME", (m_home->path() + u"/cache"_s).toUtf8());
+        const auto caches = [this] {
+            const Bundle bundle(m_home->path());
+            return AppInfo(bundle).directoryUrl(SearchPathDirectory::Caches).toLocalFile();
+        };
+
+        QCOMPARE(caches(), m_home->path() + u"/cache/tavelor"_s);
+        TemporaryHome::writeFile(
+            m_home->path() + u"/Info.ini"_s, "CFBundleIdentifier=com.example\n");
+        QCOMPARE(caches(), m_home->path() + u"/cache/com.example"_s);
+        qunsetenv("XDG_CACHE_HOME");
+    }
+
+private:
+    std::unique_ptr<TemporaryHome> m_home;
 };
 
 QTEST_GUILESS_MAIN(AppInfoTest)

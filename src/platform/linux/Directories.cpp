@@ -2,8 +2,10 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <pwd.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -70,4 +72,19 @@ QStringList Directories::userDirectories(SearchPathDirectory directory)
         break;
     }
     return path ? QStringList{*path} : QStringList();
+}
+
+bool Directories::make(const QString& path)
+{
+    const QFileInfo information(path);
+    if (information.isDir())
+        return true;
+    const auto parent = information.absolutePath();
+    if (information.exists() || parent == path || !make(parent))
+        return false;
+    const auto name = QFile::encodeName(path);
+    // The umask may have taken away even what the user needs.
+    if (mkdir(name.constData(), S_IRWXU) == 0)
+        return chmod(name.constData(), S_IRWXU) == 0;
+    return QFileInfo(path).isDir(); // another process was faster
 }
