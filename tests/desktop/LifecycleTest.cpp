@@ -148,7 +148,8 @@ private Q_SLOTS:
     void unopenablePreferences_endTheProcess()
     {
         HelperProcess helper(m_desktop);
-        QDir().mkpath(helper.home().suiteFile()); // a folder where the file belongs
+        TemporaryHome::writeFile(
+            helper.home().container() + QStringLiteral("/Preferences"), "a file where the folder belongs");
         helper.start();
 
         QVERIFY(helper.waitForEnd());
