@@ -7,6 +7,8 @@
 #include <array>
 #include <cstdio>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct Command {
@@ -71,7 +73,7 @@ ExitStatus runCommand(const QStringList& arguments)
     const auto command = std::ranges::find_if(
         commands, [&](const Command& candidate) { return name == QLatin1String(candidate.name); });
     if (command == commands.end())
-        return wrongUsage(name, QStringLiteral("no such command"));
+        return wrongUsage(name, u"no such command"_s);
 
     Arguments parsed;
     bool areOptionsOver = false;
@@ -83,12 +85,12 @@ ExitStatus runCommand(const QStringList& arguments)
         else if (word == u"--json" && command->takesJson)
             parsed.isJson = true;
         else
-            return wrongUsage(word, QStringLiteral("no such option"));
+            return wrongUsage(word, u"no such option"_s);
     }
     if (parsed.words.size() < command->fewestOperands)
-        return wrongUsage(name, QStringLiteral("needs %1").arg(QLatin1String(command->operands)));
+        return wrongUsage(name, u"needs %1"_s.arg(QLatin1String(command->operands)));
     if (parsed.words.size() > command->mostOperands)
-        return wrongUsage(name, QStringLiteral("too many arguments"));
+        return wrongUsage(name, u"too many arguments"_s);
 
     try {
         Companion companion;

@@ -7,6 +7,15 @@
 #include <cstdio>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto patience = 2s;
+
+} // namespace
+
 Preferences& Companion::preferences()
 {
     if (m_preferences)
@@ -15,8 +24,18 @@ Preferences& Companion::preferences()
         AppInfo::shared().directoryUrl(SearchPathDirectory::Preferences).toLocalFile();
     m_suite = PreferencesSuite::open(AppInfo::applicationGroupIdentifier(), directory);
     if (!m_suite)
-        throw CommandError{directory, QStringLiteral("the settings cannot be opened")};
+        throw CommandError{directory, u"the folder cannot be made"_s};
+    // One that somebody is saving reads well soon.
+    if (!m_suite->isKnown() && !m_suite->synchronizeWithin(patience))
+        throw CommandError{m_suite->path(), m_suite->problem()};
     return m_preferences.emplace(*m_suite);
+}
+
+void Companion::storePreferences()
+{
+    preferences();
+    if (!m_suite->synchronizeWithin(patience))
+        throw CommandError{m_suite->path(), m_suite->problem()};
 }
 
 LibraryEditor& Companion::library()
@@ -35,11 +54,11 @@ std::vector<LibraryEditor::Entry> Companion::entries()
 {
     auto entries = library().entries();
     if (!entries)
-        throw CommandError{QStringLiteral("library"), library().lastErrorMessage()};
+        throw CommandError{u"library"_s, library().lastErrorMessage()};
     return std::move(*entries);
 }
 
 void Companion::announceLibrary()
 {
-    DistributedNotificationCenter::defaultCenter().post(QStringLiteral("UpdateVideoList"));
+    DistributedNotificationCenter::defaultCenter().post(u"UpdateVideoList"_s);
 }

@@ -23,6 +23,9 @@ public:
     LibraryEditor& library();
     std::vector<LibraryEditor::Entry> entries();
 
+    /// Waits until what was set has been written, for as long as people wait for a command.
+    void storePreferences();
+
     /// Tells the helper that the library has changed.
     static void announceLibrary();
 

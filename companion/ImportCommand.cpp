@@ -9,6 +9,8 @@
 #include <QJsonObject>
 #include <QMimeDatabase>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// A folder stands for the videos in it, in the order of their names.
@@ -35,15 +37,15 @@ QString outcomeText(LibraryEditor::Outcome outcome)
 {
     switch (outcome) {
     case LibraryEditor::Outcome::Added:
-        return QStringLiteral("added");
+        return u"added"_s;
     case LibraryEditor::Outcome::AlreadyThere:
-        return QStringLiteral("already there");
+        return u"already there"_s;
     case LibraryEditor::Outcome::Moved:
-        return QStringLiteral("moved");
+        return u"moved"_s;
     case LibraryEditor::Outcome::Failed:
         break;
     }
-    return QStringLiteral("failed");
+    return u"failed"_s;
 }
 
 } // namespace
@@ -52,7 +54,7 @@ ExitStatus CommandHandlers::import(Companion& companion, const Arguments& argume
 {
     const auto files = videoFiles(arguments.words);
     if (files.isEmpty())
-        throw CommandError{arguments.words.join(u' '), QStringLiteral("no videos in there")};
+        throw CommandError{arguments.words.join(u' '), u"no videos in there"_s};
     qint64 total = 0;
     for (const auto& file : files)
         total += QFileInfo(file).size();
@@ -88,13 +90,12 @@ ExitStatus CommandHandlers::import(Companion& companion, const Arguments& argume
             {"sign", facts.sign},
             {"title", facts.title}});
         if (!arguments.isJson) {
-            Output::print(QStringLiteral("%1  %2  %3 (%4×%5, %6)")
-                              .arg(facts.sign,
-                                  outcomeText(outcome),
-                                  facts.title,
-                                  QString::number(facts.width),
-                                  QString::number(facts.height),
-                                  Output::lengthText(facts.seconds)));
+            Output::print(u"%1  %2  %3 (%4×%5, %6)"_s.arg(facts.sign,
+                outcomeText(outcome),
+                facts.title,
+                QString::number(facts.width),
+                QString::number(facts.height),
+                Output::lengthText(facts.seconds)));
         }
     }
     if (arguments.isJson)
@@ -102,6 +103,7 @@ ExitStatus CommandHandlers::import(Companion& companion, const Arguments& argume
     if (hasChanged) {
         Companion::announceLibrary();
         companion.preferences().setAlreadyImportVideo(true);
+        companion.storePreferences();
     }
     return hasFailed ? ExitStatus::Failed : ExitStatus::Done;
 }

@@ -7,13 +7,15 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// The one entry whose sign is, or begins with, what the person typed.
 LibraryEditor::Entry entryOfPrefix(Companion& companion, const QString& prefix)
 {
     if (prefix.isEmpty())
-        throw CommandError{QStringLiteral("choose"), QStringLiteral("needs a sign")};
+        throw CommandError{u"choose"_s, u"needs a sign"_s};
     std::vector<LibraryEditor::Entry> matches;
     for (auto& entry : companion.entries()) {
         if (entry.sign == prefix)
@@ -22,10 +24,9 @@ LibraryEditor::Entry entryOfPrefix(Companion& companion, const QString& prefix)
             matches.push_back(std::move(entry));
     }
     if (matches.empty())
-        throw CommandError{prefix, QStringLiteral("no video of this sign in the library")};
+        throw CommandError{prefix, u"no video of this sign in the library"_s};
     if (matches.size() > 1) {
-        throw CommandError{
-            prefix, QStringLiteral("%1 videos' signs begin like this").arg(matches.size())};
+        throw CommandError{prefix, u"%1 videos' signs begin like this"_s.arg(matches.size())};
     }
     return matches.front();
 }
@@ -55,13 +56,12 @@ ExitStatus CommandHandlers::list(Companion& companion, const Arguments& argument
     for (const auto& entry : entries)
         titleWidth = std::max(titleWidth, std::min<qsizetype>(32, entry.title.size()));
     for (const auto& entry : entries) {
-        Output::print(QStringLiteral("%1 %2  %3  %4  %5  %6")
-                          .arg(entry.sign == chosen ? u"*" : u" ",
-                              entry.sign,
-                              entry.title.left(titleWidth).leftJustified(titleWidth),
-                              Output::sizeText(entry.bytes).rightJustified(9),
-                              Output::lengthText(entry.seconds).rightJustified(6),
-                              Output::pathText(entry.url)));
+        Output::print(u"%1 %2  %3  %4  %5  %6"_s.arg(entry.sign == chosen ? u"*" : u" ",
+            entry.sign,
+            entry.title.left(titleWidth).leftJustified(titleWidth),
+            Output::sizeText(entry.bytes).rightJustified(9),
+            Output::lengthText(entry.seconds).rightJustified(6),
+            Output::pathText(entry.url)));
     }
     return ExitStatus::Done;
 }
@@ -71,7 +71,7 @@ ExitStatus CommandHandlers::choose(Companion& companion, const Arguments& argume
     const auto entry = entryOfPrefix(companion, arguments.words.constFirst());
     if (!videoFileExists(entry.url)) {
         Output::printError(Output::pathText(entry.url),
-            QStringLiteral("the file is gone; a running helper drops it from the library"));
+            u"the file is gone; a running helper drops it from the library"_s);
     }
     auto& preferences = companion.preferences();
     preferences.setPlayingVideoSign(entry.sign);
@@ -81,5 +81,6 @@ ExitStatus CommandHandlers::choose(Companion& companion, const Arguments& argume
         preferences.setIsOpenPlayer(true);
     if (!preferences.isPlaying())
         preferences.setIsPlaying(true);
+    companion.storePreferences();
     return ExitStatus::Done;
 }

@@ -6,9 +6,11 @@
 
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto createTable = QStringLiteral(R"(
+const auto createTable = uR"(
     create table if not exists LocalVideos (
         vid integer not null default 0,
         sign text not null unique,
@@ -35,13 +37,13 @@ const auto createTable = QStringLiteral(R"(
         avatarsize integer not null default 0,
         hp text not null default '',
         upcount integer not null default 0
-    ))");
+    ))"_s;
 
-const auto insertRow = QStringLiteral(R"(
+const auto insertRow = uR"(
     insert into LocalVideos (vid, sign, title, url, time, size, ratio, width, height, frame, rate, audio, uptime)
     values ((select coalesce(max(vid), 0) + 1 from LocalVideos), ?, ?, ?,
         cast(? as integer), cast(? as integer), ?, cast(? as integer), cast(? as integer),
-        cast(? as integer), cast(? as integer), cast(? as integer), ?))");
+        cast(? as integer), cast(? as integer), cast(? as integer), ?))"_s;
 
 QString text(const QUrl& url)
 {
@@ -58,7 +60,7 @@ LibraryEditor::LibraryEditor(Database database) : m_database(std::move(database)
 
 std::optional<std::vector<LibraryEditor::Entry>> LibraryEditor::entries()
 {
-    auto rows = m_database.executeQuery(QStringLiteral("select * from LocalVideos"));
+    auto rows = m_database.executeQuery(u"select * from LocalVideos"_s);
     if (!rows)
         return std::nullopt;
     const int sign = rows->columnIndex("sign");
@@ -86,8 +88,8 @@ std::optional<std::vector<LibraryEditor::Entry>> LibraryEditor::entries()
 
 LibraryEditor::Outcome LibraryEditor::add(const VideoFacts& facts, const QUrl& url)
 {
-    auto known = m_database.executeQuery(
-        QStringLiteral("select url from LocalVideos where sign = ?"), {facts.sign});
+    auto known =
+        m_database.executeQuery(u"select url from LocalVideos where sign = ?"_s, {facts.sign});
     if (!known)
         return Outcome::Failed;
     if (known->next()) {
@@ -96,8 +98,7 @@ LibraryEditor::Outcome LibraryEditor::add(const VideoFacts& facts, const QUrl& u
         if (knownUrl && videoFileExists(*knownUrl))
             return Outcome::AlreadyThere;
         const bool isMoved = m_database.executeUpdate(
-            QStringLiteral("update LocalVideos set url = ? where sign = ?"),
-            {text(url), facts.sign});
+            u"update LocalVideos set url = ? where sign = ?"_s, {text(url), facts.sign});
         return isMoved ? Outcome::Moved : Outcome::Failed;
     }
     if (known->hasFailed())

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+using namespace Qt::StringLiterals;
+
 void Output::print(const QString& line)
 {
     std::puts(qUtf8Printable(line));
@@ -21,7 +23,7 @@ void Output::printError(const QString& what, const QString& why)
 
 QString Output::lengthText(qint64 seconds)
 {
-    return QStringLiteral("%1:%2").arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
+    return u"%1:%2"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, QLatin1Char('0'));
 }
 
 QString Output::sizeText(qint64 bytes)

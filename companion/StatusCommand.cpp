@@ -8,6 +8,8 @@
 #include <array>
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 template <std::size_t Count>
@@ -60,21 +62,16 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
     const auto state = !preferences.isOpenPlayer() ? u"closed"
                        : preferences.isPlaying()   ? u"playing"
                                                    : u"paused";
-    Output::print(QStringLiteral("helper     %1")
-                      .arg(isRunning ? u"running" : u"not running in this session"));
-    Output::print(QStringLiteral("wallpaper  %1").arg(state));
+    Output::print(u"helper     %1"_s.arg(isRunning ? u"running" : u"not running in this session"));
+    Output::print(u"wallpaper  %1"_s.arg(state));
     Output::print(
-        QStringLiteral("video      %1")
-            .arg(current != entries.end() ? current->title : QStringLiteral("none chosen")));
-    Output::print(QStringLiteral("order      %1").arg(order));
+        u"video      %1"_s.arg(current != entries.end() ? current->title : u"none chosen"_s));
+    Output::print(u"order      %1"_s.arg(order));
+    Output::print(isSingleScreen
+                      ? u"screens    %1 %2"_s.arg(screens).arg(preferences.screenIndex() + 1)
+                      : u"screens    %1"_s.arg(screens));
+    Output::print(u"volume     %1%2"_s.arg(volume).arg(preferences.mute() ? u", muted" : u""));
     Output::print(
-        isSingleScreen
-            ? QStringLiteral("screens    %1 %2").arg(screens).arg(preferences.screenIndex() + 1)
-            : QStringLiteral("screens    %1").arg(screens));
-    Output::print(
-        QStringLiteral("volume     %1%2").arg(volume).arg(preferences.mute() ? u", muted" : u""));
-    Output::print(QStringLiteral("library    %1 %2")
-                      .arg(entries.size())
-                      .arg(entries.size() == 1 ? u"video" : u"videos"));
+        u"library    %1 %2"_s.arg(entries.size()).arg(entries.size() == 1 ? u"video" : u"videos"));
     return ExitStatus::Done;
 }

@@ -6,12 +6,15 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLockFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 #include <QUrl>
 
 #include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,19 +23,20 @@ struct Result {
     QString output;
     QString errors;
 
-    QJsonDocument json() const { return QJsonDocument::fromJson(output.toUtf8()); }
+    QJsonArray rows() const { return QJsonDocument::fromJson(output.toUtf8()).array(); }
 };
 
-/// The real program, without a session bus.
-Result tavelorctl(const QStringList& arguments, const QString& directory = {})
+/// The real program, without a session bus, on a disk that is as full as one likes.
+Result tavelorctl(const QString& command, const QStringList& more = {}, bool isDiskFull = false)
 {
     QProcess process;
     auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(
-        QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nowhere"));
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nowhere"_s);
     process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(directory);
-    process.start(QStringLiteral(TAVELORCTL), arguments);
+    const auto limit = isDiskFull ? u"trap '' XFSZ; ulimit -f 0; "_s : QString();
+    process.start(u"/bin/sh"_s,
+        QStringList{u"-c"_s, limit + u"exec \"$0\" \"$@\""_s, QStringLiteral(TAVELORCTL)} +
+            command.split(u' ', Qt::SkipEmptyParts) + more);
     process.waitForFinished();
     return {process.exitCode(),
         QString::fromUtf8(process.readAllStandardOutput()),
@@ -47,188 +51,217 @@ class TavelorctlTest : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        m_videos = m_directory.filePath(QStringLiteral("videos"));
+        m_videos = m_directory.filePath(u"videos"_s);
         QDir().mkpath(m_videos);
-        m_red = m_videos + QStringLiteral("/ein Film (ü) #1 100%.mp4");
-        m_green = m_videos + QStringLiteral("/grün.mp4");
-        TestVideos::makePlain(m_red, QStringLiteral("red"), 2);
-        TestVideos::makePlain(m_green, QStringLiteral("green"), 1);
+        m_red = m_videos + u"/ein Film (ü) #1 100%.mp4"_s;
+        m_green = m_videos + u"/grün.mp4"_s;
+        TestVideos::makePlain(m_red, u"red"_s, 2);
+        TestVideos::makePlain(m_green, u"green"_s, 1);
     }
+
+    void init() { m_home = std::make_unique<TemporaryHome>(); }
+    void cleanup() { m_home.reset(); }
 
     void firstUse_startsFromTheSeed()
     {
-        const TemporaryHome home;
-
-        const auto rows =
-            tavelorctl({QStringLiteral("list"), QStringLiteral("--json")}).json().array();
+        const auto rows = tavelorctl(u"list --json"_s).rows();
 
         QCOMPARE(rows.size(), 1);
         const auto sample = rows[0].toObject();
-        QVERIFY(QFile::exists(sample[QStringLiteral("path")].toString()));
-        QVERIFY(sample[QStringLiteral("width")].toInt() >= 1920);
-        QVERIFY(sample[QStringLiteral("bytes")].toInt() < 2'000'000);
+        QVERIFY(QFile::exists(sample["path"].toString()));
+        QVERIFY(sample["width"].toInt() >= 1920);
+        QVERIFY(sample["bytes"].toInt() < 2'000'000);
     }
 
     void import_addsAFileOnceWithItsFacts()
     {
-        const TemporaryHome home;
-
-        const auto first = tavelorctl({QStringLiteral("import"), m_red});
+        const auto first = tavelorctl(u"import"_s, {m_red});
         QCOMPARE(first.status, 0);
         QCOMPARE(first.errors, QString());
         QVERIFY(first.output.contains(u"added  ein Film (ü) #1 100% (1280×720, 0:02)"));
-        const auto again = tavelorctl({QStringLiteral("import"), m_red, m_red});
+        const auto again = tavelorctl(u"import"_s, {m_red, m_red});
         QCOMPARE(again.status, 0);
-        QCOMPARE(again.output.count(QStringLiteral("already there")), 2);
+        QCOMPARE(again.output.count(u"already there"_s), 2);
 
-        const auto rows =
-            tavelorctl({QStringLiteral("list"), QStringLiteral("--json")}).json().array();
+        const auto rows = tavelorctl(u"list --json"_s).rows();
         QCOMPARE(rows.size(), 2);
         const auto row = rows[1].toObject();
-        QCOMPARE(row[QStringLiteral("path")].toString(), m_red);
-        QCOMPARE(row[QStringLiteral("seconds")].toInt(), 2);
-        QCOMPARE(row[QStringLiteral("bytes")].toInteger(), QFileInfo(m_red).size());
-        QCOMPARE(home.suiteValue(QStringLiteral("alreadyImportVideo")), QStringLiteral("true"));
+        QCOMPARE(row["path"].toString(), m_red);
+        QCOMPARE(row["seconds"].toInt(), 2);
+        QCOMPARE(row["bytes"].toInteger(), QFileInfo(m_red).size());
+        QCOMPARE(m_home->suiteValue(u"alreadyImportVideo"_s), u"true"_s);
+    }
+
+    void import_givesTheSizeThatIsSeen_data()
+    {
+        QTest::addColumn<QString>("shape");
+        QTest::addColumn<QString>("angle");
+        QTest::addColumn<QString>("size");
+        QTest::newRow("upright") << u"1"_s << u"0"_s << u"320×240 4:3"_s;
+        QTest::newRow("turned right") << u"1"_s << u"90"_s << u"240×320 3:4"_s;
+        QTest::newRow("turned left") << u"1"_s << u"270"_s << u"240×320 3:4"_s;
+        QTest::newRow("upside down") << u"1"_s << u"180"_s << u"320×240 4:3"_s;
+        QTest::newRow("wide pixels") << u"4/3"_s << u"0"_s << u"427×240 427:240"_s;
+        QTest::newRow("high pixels, turned") << u"1/2"_s << u"90"_s << u"480×320 3:2"_s;
+    }
+
+    void import_givesTheSizeThatIsSeen()
+    {
+        QFETCH(QString, shape);
+        QFETCH(QString, angle);
+        QFETCH(QString, size);
+        const auto plain = m_home->path() + u"/plain.mp4"_s;
+        const auto turned = m_home->path() + u"/turned.mp4"_s;
+        TestVideos::make(
+            plain, u"-f lavfi -i color=s=320x240:d=0.2,setsar=%1"_s.arg(shape).split(u' '));
+        TestVideos::make(
+            turned, {u"-i"_s, plain, u"-c"_s, u"copy"_s, u"-metadata:s:v"_s, u"rotate="_s + angle});
+
+        QVERIFY(tavelorctl(u"import"_s, {turned}).output.contains(size.section(u' ', 0, 0)));
+
+        const auto row = tavelorctl(u"list --json"_s).rows()[1].toObject();
+        QCOMPARE(u"%1×%2"_s.arg(row["width"].toInt()).arg(row["height"].toInt()),
+            size.section(u' ', 0, 0));
+        VideoRows::execute(m_home->databaseFile(), u"update LocalVideos set sign = ratio"_s);
+        QCOMPARE(VideoRows::signs(m_home->databaseFile()).constLast(), size.section(u' ', 1));
     }
 
     void import_ofAFolder_takesItsVideos()
     {
-        const TemporaryHome home;
-        TemporaryHome::writeFile(m_videos + QStringLiteral("/notes.txt"), "no video");
+        TemporaryHome::writeFile(m_videos + u"/notes.txt"_s, "no video");
 
-        const auto result =
-            tavelorctl({QStringLiteral("import"), QStringLiteral("videos")}, m_directory.path());
+        const auto result = tavelorctl(u"import"_s, {m_videos});
 
         QCOMPARE(result.status, 0);
-        QCOMPARE(result.output.count(QStringLiteral("added")), 2);
+        QCOMPARE(result.output.count(u"added"_s), 2);
     }
 
     void import_ofAMovedFile_followsIt()
     {
-        const TemporaryHome home;
-        const auto before = home.path() + QStringLiteral("/before.mp4");
-        const auto after = home.path() + QStringLiteral("/after.mp4");
+        const auto before = m_home->path() + u"/before.mp4"_s;
+        const auto after = m_home->path() + u"/after.mp4"_s;
         QFile::copy(m_red, before);
-        tavelorctl({QStringLiteral("import"), before});
+        tavelorctl(u"import"_s, {before});
         QFile::rename(before, after);
 
-        const auto result = tavelorctl({QStringLiteral("import"), after});
-
-        QVERIFY(result.output.contains(u"moved"));
-        QVERIFY(tavelorctl({QStringLiteral("list")}).output.contains(after));
-        QCOMPARE(VideoRows::signs(home.databaseFile()).size(), 2);
+        QVERIFY(tavelorctl(u"import"_s, {after}).output.contains(u"moved"));
+        QVERIFY(tavelorctl(u"list"_s).output.contains(after));
+        QCOMPARE(VideoRows::signs(m_home->databaseFile()).size(), 2);
     }
 
     void import_goesOnAfterABadFile()
     {
-        const TemporaryHome home;
-        const auto text = home.path() + QStringLiteral("/text.mp4");
-        TemporaryHome::writeFile(text, QByteArray("I am not a video.\n").repeated(1000));
-        const auto cut = home.path() + QStringLiteral("/cut.mp4");
-        TemporaryHome::writeFile(cut, TemporaryHome::contents(m_red).left(1000));
-        const auto pipe = home.path() + QStringLiteral("/pipe.mp4");
-        QCOMPARE(mkfifo(pipe.toUtf8().constData(), 0600), 0);
-        const auto sound = home.path() + QStringLiteral("/sound.wav");
-        TestVideos::make(sound,
-            {QStringLiteral("-f"),
-                QStringLiteral("lavfi"),
-                QStringLiteral("-i"),
-                QStringLiteral("sine=d=1")});
+        const auto path = m_home->path() + u'/';
+        TemporaryHome::writeFile(
+            path + u"text"_s, QByteArray("I am not a video.\n").repeated(1000));
+        TemporaryHome::writeFile(path + u"cut.mp4"_s, TemporaryHome::contents(m_red).left(1000));
+        QCOMPARE(mkfifo((path + u"pipe"_s).toUtf8().constData(), 0600), 0);
+        TestVideos::make(path + u"sound.wav"_s, u"-f lavfi -i sine=d=1"_s.split(u' '));
 
-        const auto result = tavelorctl({QStringLiteral("import"),
-            text,
-            cut,
-            pipe,
-            sound,
-            QStringLiteral("/nowhere/film.mp4"),
-            m_red});
+        const auto result = tavelorctl(u"import /nowhere/film.mp4"_s,
+            {path + u"text"_s,
+                path + u"cut.mp4"_s,
+                path + u"pipe"_s,
+                path + u"sound.wav"_s,
+                m_red});
 
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors.count(QRegularExpression(
-                     QStringLiteral("^tavelorctl: .+: .+$"), QRegularExpression::MultilineOption)),
+                     u"^tavelorctl: .+: .+$"_s, QRegularExpression::MultilineOption)),
             5);
         QVERIFY(result.errors.contains(u"tavelorctl: /nowhere/film.mp4: no such file"));
-        QCOMPARE(result.output.count(QStringLiteral("added")), 1);
+        QCOMPARE(result.output.count(u"added"_s), 1);
     }
 
     void choose_takesAnUnambiguousBeginning()
     {
-        const TemporaryHome home;
-        VideoRows::createTable(home.databaseFile());
-        for (const auto* sign : {"abc1", "abc2", "abc", "x1"})
-            VideoRows::insert(home.databaseFile(),
-                {VideoRows::row(QLatin1String(sign), QStringLiteral("file:///a.mp4"))});
-        const auto choose = [&](const char* sign) {
-            return tavelorctl({QStringLiteral("choose"), QLatin1String(sign)});
-        };
+        makeLibrary({u"abc1"_s, u"abc2"_s, u"abc"_s, u"x1"_s});
 
-        QCOMPARE(choose("x").status, 0);
-        QCOMPARE(home.suiteValue(QStringLiteral("CurrentVideoSign")), QStringLiteral("x1"));
-        QCOMPARE(choose("abc").status, 0); // whole signs come first
-        QCOMPARE(home.suiteValue(QStringLiteral("CurrentVideoSign")), QStringLiteral("abc"));
-        QVERIFY(tavelorctl({QStringLiteral("list")}).output.contains(u"* abc "));
-        QCOMPARE(choose("ab").errors,
-            QStringLiteral("tavelorctl: ab: 3 videos' signs begin like this\n"));
-        QCOMPARE(choose("y").status, 1);
-        QCOMPARE(home.suiteValue(QStringLiteral("CurrentVideoSign")), QStringLiteral("abc"));
+        QCOMPARE(tavelorctl(u"choose x"_s).status, 0);
+        QCOMPARE(m_home->suiteValue(u"CurrentVideoSign"_s), u"x1"_s);
+        QCOMPARE(tavelorctl(u"choose abc"_s).status, 0); // whole signs come first
+        QCOMPARE(m_home->suiteValue(u"CurrentVideoSign"_s), u"abc"_s);
+        QVERIFY(tavelorctl(u"list"_s).output.contains(u"* abc "));
+        QCOMPARE(tavelorctl(u"choose ab"_s).errors,
+            u"tavelorctl: ab: 3 videos' signs begin like this\n"_s);
+        QCOMPARE(tavelorctl(u"choose y"_s).status, 1);
+        QCOMPARE(m_home->suiteValue(u"CurrentVideoSign"_s), u"abc"_s);
     }
 
     void choosingTheSameVideoAgain_switchesOn()
     {
-        const TemporaryHome home;
-        tavelorctl({QStringLiteral("import"), m_green});
-        const auto sign = VideoRows::signs(home.databaseFile()).constLast();
-        tavelorctl({QStringLiteral("choose"), sign});
-        home.writeSuiteValue(QStringLiteral("IsOpenPlayer"), QStringLiteral("false"));
-        home.writeSuiteValue(QStringLiteral("isPlaying"), QStringLiteral("false"));
+        makeLibrary({u"abc"_s});
+        TemporaryHome::writeFile(m_home->suiteFile(),
+            "[General]\nCurrentVideoSign=abc\nIsOpenPlayer=false\nisPlaying=false\n");
 
-        tavelorctl({QStringLiteral("choose"), sign});
+        tavelorctl(u"choose abc"_s);
 
         const auto status =
-            tavelorctl({QStringLiteral("status"), QStringLiteral("--json")}).json().object();
-        QVERIFY(status[QStringLiteral("open")].toBool());
-        QVERIFY(status[QStringLiteral("playing")].toBool());
-        QVERIFY(!status[QStringLiteral("running")].toBool());
-        QCOMPARE(status[QStringLiteral("title")].toString(), QStringLiteral("grün"));
+            QJsonDocument::fromJson(tavelorctl(u"status --json"_s).output.toUtf8()).object();
+        QVERIFY(status["open"].toBool() && status["playing"].toBool());
+        QVERIFY(!status["running"].toBool());
+        QCOMPARE(status["title"].toString(), u"title"_s);
     }
 
-    void wrongUsage_exitsWithTwo_data()
+    void choiceThatIsNotStored_isAnError_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("nothing") << QStringList{};
-        QTest::newRow("unknown command") << QStringList{QStringLiteral("dance")};
-        QTest::newRow("nothing to import") << QStringList{QStringLiteral("import")};
-        QTest::newRow("too much") << QStringList{QStringLiteral("status"), QStringLiteral("now")};
-        QTest::newRow("unknown option")
-            << QStringList{QStringLiteral("list"), QStringLiteral("--xml")};
+        QTest::addColumn<QByteArray>("settings");
+        QTest::addColumn<QString>("why");
+        QTest::newRow("locked") << QByteArray("[General]\n") << u"is locked by another program"_s;
+        QTest::newRow("full disk")
+            << QByteArray("[General]\n") << u"its folder cannot be written"_s;
+        QTest::newRow("no settings") << QByteArray("dear diary\n") << u"is not a settings file"_s;
+    }
+
+    void choiceThatIsNotStored_isAnError()
+    {
+        QFETCH(QByteArray, settings);
+        QFETCH(QString, why);
+        makeLibrary({u"abc"_s});
+        TemporaryHome::writeFile(m_home->suiteFile(), settings);
+        QLockFile lock(m_home->suiteFile() + u".lock"_s);
+        QVERIFY(!why.contains(u"lock") || lock.tryLock());
+
+        const auto result = tavelorctl(u"choose abc"_s, {}, why.contains(u"folder"));
+
+        QCOMPARE(result.status, 1);
+        QVERIFY(result.errors.endsWith(u"tavelorctl: %1: %2\n"_s.arg(m_home->suiteFile(), why)));
+        QCOMPARE(TemporaryHome::contents(m_home->suiteFile()), settings);
     }
 
     void wrongUsage_exitsWithTwo()
     {
-        QFETCH(QStringList, arguments);
-        const TemporaryHome home;
-        const auto result = tavelorctl(arguments);
-        QCOMPARE(result.status, 2);
-        QVERIFY(result.errors.contains(u"usage: tavelorctl"));
-        QVERIFY(result.output.isEmpty());
-        QVERIFY(!QFile::exists(home.container()));
+        for (const auto& command :
+            {QString(), u"dance"_s, u"import"_s, u"status now"_s, u"list --xml"_s}) {
+            const auto result = tavelorctl(command);
+            QCOMPARE(result.status, 2);
+            QVERIFY(result.errors.contains(u"usage: tavelorctl"));
+            QVERIFY(result.output.isEmpty() && !QFile::exists(m_home->container()));
+        }
     }
 
     void brokenLibrary_isAnErrorAndStaysAsItIs()
     {
-        const TemporaryHome home;
         const auto text = QByteArray("I am a shopping list.\n").repeated(100);
-        TemporaryHome::writeFile(home.databaseFile(), text);
+        TemporaryHome::writeFile(m_home->databaseFile(), text);
 
-        const auto result = tavelorctl({QStringLiteral("import"), m_red});
+        const auto result = tavelorctl(u"import"_s, {m_red});
 
         QCOMPARE(result.status, 1);
         QCOMPARE(result.errors,
-            QStringLiteral("tavelorctl: %1: file is not a database\n").arg(home.databaseFile()));
-        QCOMPARE(TemporaryHome::contents(home.databaseFile()), text);
+            u"tavelorctl: %1: file is not a database\n"_s.arg(m_home->databaseFile()));
+        QCOMPARE(TemporaryHome::contents(m_home->databaseFile()), text);
     }
 
 private:
+    void makeLibrary(const QStringList& signs) const
+    {
+        VideoRows::createTable(m_home->databaseFile());
+        for (const auto& sign : signs)
+            VideoRows::insert(m_home->databaseFile(), {VideoRows::row(sign, u"file:///a.mp4"_s)});
+    }
+
+    std::unique_ptr<TemporaryHome> m_home;
     QTemporaryDir m_directory;
     QString m_videos;
     QString m_red;
