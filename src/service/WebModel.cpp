@@ -73,8 +73,9 @@ const QString& WebModel::uuid()
     m_uuid = m_group.string(key);
     if (!m_uuid) {
         m_uuid = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
-        m_group.setString(key, m_uuid);
+        m_group.setString(key, m_uuid, PreferencesSuite::Overwrite::Never);
         m_group.synchronize();
+        m_uuid = m_group.string(key); // or another process's
     }
     return *m_uuid;
 }
