@@ -148,8 +148,8 @@ private Q_SLOTS:
     void unopenablePreferences_endTheProcess()
     {
         HelperProcess helper(m_desktop);
-        TemporaryHome::writeFile(
-            helper.home().container() + QStringLiteral("/Preferences"), "a file where the folder belongs");
+        TemporaryHome::writeFile(helper.home().container() + QStringLiteral("/Preferences"),
+            "a file where the folder belongs");
         helper.start();
 
         QVERIFY(helper.waitForEnd());

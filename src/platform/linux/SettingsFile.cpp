@@ -23,7 +23,7 @@ constexpr auto timestampGrain = 100ms; // that a second change would have got an
 constexpr auto pauseInSaving = 500ms;  // that it was saved without its last line's end, or keys
 constexpr auto longestSaving = 10s;    // that who has it open does not mean to go on
 constexpr auto longestEmpty = 30s;     // that nobody is about to fill it
-constexpr auto longestGone = 5s;      // that nobody is about to put another one in its place
+constexpr auto longestGone = 5s;       // that nobody is about to put another one in its place
 // The longest wait for the lock. It is mostly held for a few milliseconds.
 constexpr auto lockPatience = 40ms;
 constexpr auto lockPause = 5ms;
