@@ -2,15 +2,25 @@
 
 #include <sqlite3.h>
 
-#include <chrono>
+#include <QFile>
+
+#include <sys/stat.h>
 #include <utility>
 
-using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 namespace {
 
-// The main thread waits meanwhile; pictures have a thread of their own.
-constexpr std::chrono::milliseconds patienceWithWriters = 500ms;
+/// Whether SQLite may open what is there: a file, or nothing yet. A link that leads nowhere is
+/// somebody's file on a drive that is away, and SQLite would make a new one in its place.
+bool isFileOrNothing(const QString& path)
+{
+    const auto name = QFile::encodeName(path);
+    struct stat found {};
+    if (lstat(name.constData(), &found) != 0)
+        return true;
+    return stat(name.constData(), &found) == 0 && S_ISREG(found.st_mode);
+}
 
 } // namespace
 
@@ -57,8 +67,11 @@ void Database::Closer::operator()(sqlite3* connection) const
 
 Database::Database(QString path) : m_path(std::move(path)) {}
 
-bool Database::open()
+bool Database::open(std::chrono::milliseconds busyTimeout)
 {
+    m_connection.reset();
+    if (!isFileOrNothing(m_path))
+        return false;
     sqlite3* connection = nullptr;
     const int result = sqlite3_open_v2(m_path.toUtf8().constData(),
         &connection,
@@ -69,7 +82,7 @@ bool Database::open()
         m_connection.reset();
         return false;
     }
-    sqlite3_busy_timeout(connection, static_cast<int>(patienceWithWriters.count()));
+    sqlite3_busy_timeout(connection, static_cast<int>(busyTimeout.count()));
     return true;
 }
 
@@ -112,5 +125,5 @@ bool Database::isBusy() const
 QString Database::lastErrorMessage() const
 {
     return m_connection ? QString::fromUtf8(sqlite3_errmsg(m_connection.get()))
-                        : QStringLiteral("the database is not open");
+                        : u"the database is not open"_s;
 }

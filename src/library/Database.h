@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <memory>
 #include <optional>
 
@@ -36,8 +37,7 @@ private:
     bool m_hasFailed = false;
 };
 
-/// An SQLite file (https://sqlite.org) with the few operations that the library needs. A file
-/// that another process is writing is waited for a short while, then the operation fails.
+/// An SQLite file (https://sqlite.org) with the few operations that the library needs.
 class Database {
 public:
     /// Opens nothing yet.
@@ -45,8 +45,10 @@ public:
 
     const QString& databasePath() const { return m_path; }
 
-    /// Creates the file if it does not exist.
-    bool open();
+    /// Creates the file if it does not exist. False where something else is in its place: a folder,
+    /// a pipe, a link to a file that is not there. `busyTimeout` is how long an operation waits for
+    /// another process's lock, twice where it needs two of them; then it fails.
+    bool open(std::chrono::milliseconds busyTimeout = std::chrono::milliseconds(500));
     bool isOpen() const { return m_connection != nullptr; }
 
     /// None when the database is not open or the statement cannot run. Arguments are bound as
@@ -55,7 +57,7 @@ public:
     /// Whether the statement was carried out.
     bool executeUpdate(const QString& sql, const QStringList& arguments = {});
 
-    /// Whether the last operation failed because another process is writing.
+    /// Whether the last operation failed because another process has locked the file.
     bool isBusy() const;
     /// What went wrong last, for people.
     QString lastErrorMessage() const;

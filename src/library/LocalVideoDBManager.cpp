@@ -1,10 +1,20 @@
 #include "library/LocalVideoDBManager.h"
 
+#include "library/LibrarySeed.h"
+
 #include <QFile>
 
+#include <sys/stat.h>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
 namespace {
+
+/// The main thread waits meanwhile. A look at the library may come upon two locks, and a deletion
+/// needs two.
+constexpr auto busyTimeout = 20ms;
 
 void printLine(const QString& line, std::FILE* stream = stdout)
 {
@@ -87,34 +97,63 @@ LocalVideoDBManager& LocalVideoDBManager::shared()
 }
 
 LocalVideoDBManager::LocalVideoDBManager(const AppInfo& appInfo, const Bundle& bundle)
-    : m_db(makeDatabase(appInfo, bundle))
+    : m_db(makeDatabase(appInfo, bundle)),
+      m_seed(bundle.pathForResource(u"Fendix"_s, u"db"_s)),
+      m_openedVersion(versionOfFile())
 {
     printLine(m_db.databasePath());
-    if (!m_db.open())
-        printLine(QStringLiteral("db open failure"));
+    open();
 }
 
 Database LocalVideoDBManager::makeDatabase(
     const AppInfo& appInfo, const Bundle& bundle, std::FILE* diagnostics)
 {
-    const auto path =
-        appInfo.applicationSupportDirectory().toLocalFile() + QStringLiteral("/Fendix.db");
-    if (!QFile::exists(path)) {
-        if (const auto seed =
-                bundle.pathForResource(QStringLiteral("Fendix"), QStringLiteral("db"))) {
-            QFile file(*seed);
-            if (!file.copy(path))
-                printLine(file.errorString(), diagnostics);
-            else // the seed may be read-only, in a package for instance; the library is not
-                QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
-        }
+    Database database(appInfo.applicationSupportDirectory().toLocalFile() + u"/Fendix.db"_s);
+    if (const auto seed = bundle.pathForResource(u"Fendix"_s, u"db"_s)) {
+        if (const auto failure = LibrarySeed::fill(database.databasePath(), *seed, busyTimeout))
+            printLine(*failure, diagnostics);
     }
-    return Database(path);
+    return database;
+}
+
+void LocalVideoDBManager::open()
+{
+    if (m_db.open(busyTimeout))
+        m_isOpenFailureReported = false;
+    else if (!std::exchange(m_isOpenFailureReported, true))
+        printLine(u"db open failure"_s);
+}
+
+std::optional<LocalVideoDBManager::FileVersion> LocalVideoDBManager::versionOfFile() const
+{
+    struct stat file {};
+    if (stat(QFile::encodeName(m_db.databasePath()).constData(), &file) != 0)
+        return std::nullopt;
+    return FileVersion{
+        file.st_dev, file.st_ino, file.st_size, file.st_ctim.tv_sec, file.st_ctim.tv_nsec};
+}
+
+/// Files are replaced, deleted, and others are copied over them, all of which SQLite does not see.
+void LocalVideoDBManager::openAnewIfChanged()
+{
+    // The version is taken before the file is opened, so that a file that is replaced in between
+    // is noticed the next time.
+    auto version = versionOfFile();
+    if (m_db.isOpen() && version && version == m_openedVersion)
+        return;
+    if (m_seed) {
+        if (const auto failure = LibrarySeed::fill(m_db.databasePath(), *m_seed, busyTimeout))
+            reportFailure(*failure);
+        version = versionOfFile();
+    }
+    m_openedVersion = version;
+    open();
 }
 
 std::deque<VideoDetail> LocalVideoDBManager::videos(
     const QString& sql, const QStringList& arguments)
 {
+    openAnewIfChanged();
     std::deque<VideoDetail> videos;
     auto rows = m_db.executeQuery(sql, arguments);
     if (rows) {
@@ -122,12 +161,17 @@ std::deque<VideoDetail> LocalVideoDBManager::videos(
         while (rows->next())
             videos.push_back(columns.video(*rows));
     }
-    if (rows && !rows->hasFailed())
+    if (rows && !rows->hasFailed()) {
         m_lastReading = Reading::Complete;
-    else
-        m_lastReading = m_db.isBusy() ? Reading::Busy : Reading::Failed;
-    if (m_lastReading == Reading::Failed && m_db.isOpen())
-        reportFailure(m_db.lastErrorMessage());
+        m_reportedFailure.clear();
+    } else if (m_db.isBusy()) {
+        m_lastReading = Reading::Busy;
+    } else {
+        m_lastReading = Reading::Failed;
+        m_openedVersion.reset(); // the next reading opens it anew
+        if (m_db.isOpen())
+            reportFailure(m_db.lastErrorMessage());
+    }
     return videos;
 }
 
@@ -135,17 +179,17 @@ std::deque<VideoDetail> LocalVideoDBManager::videos(
 void LocalVideoDBManager::reportFailure(const QString& reason)
 {
     if (std::exchange(m_reportedFailure, reason) != reason)
-        printLine(QStringLiteral("cannot read the library: %1").arg(reason), stderr);
+        printLine(u"cannot read the library: %1"_s.arg(reason), stderr);
 }
 
 std::deque<VideoDetail> LocalVideoDBManager::allVideos()
 {
-    return videos(QStringLiteral("select * from LocalVideos"), {});
+    return videos(u"select * from LocalVideos"_s, {});
 }
 
 std::optional<VideoDetail> LocalVideoDBManager::video(const QString& sign)
 {
-    const auto found = videos(QStringLiteral("select * from LocalVideos where sign = ?"), {sign});
+    const auto found = videos(u"select * from LocalVideos where sign = ?"_s, {sign});
     if (found.empty())
         return std::nullopt;
     return found.front();
@@ -153,7 +197,7 @@ std::optional<VideoDetail> LocalVideoDBManager::video(const QString& sign)
 
 void LocalVideoDBManager::deleteVideo(const QString& sign)
 {
-    const bool isDeleted =
-        m_db.executeUpdate(QStringLiteral("delete from LocalVideos where sign = ?"), {sign});
-    printLine(QStringLiteral("delete %1 %2").arg(sign, isDeleted ? u"true" : u"false"));
+    openAnewIfChanged();
+    const bool isDeleted = m_db.executeUpdate(u"delete from LocalVideos where sign = ?"_s, {sign});
+    printLine(u"delete %1 %2"_s.arg(sign, isDeleted ? u"true" : u"false"));
 }
