@@ -1,29 +1,31 @@
 #include "platform/linux/dbus/DistributedNotificationCenterBody.h"
 
-#include <QDBusMessage>
-
 #include <chrono>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto path = QStringLiteral("/com/zemra/tavelor");
-const auto interfaceName = QStringLiteral("com.zemra.tavelor.DistributedNotification");
-const auto member = QStringLiteral("Posted");
+const auto path = u"/com/zemra/tavelor"_s;
+const auto interfaceName = u"com.zemra.tavelor.DistributedNotification"_s;
+const auto member = u"Posted"_s;
+constexpr auto signature = u"ssa{sv}"; // name, object, user information
 
 } // namespace
 
 DistributedNotificationCenter::Body::Body() : bus(QDBusConnection::sessionBus())
 {
-    bus.connect(
-        QString(), path, interfaceName, member, this, SLOT(deliver(QString, QString, QVariantMap)));
+    bus.connect(QString(), path, interfaceName, member, this, SLOT(deliver(QDBusMessage)));
 }
 
-void DistributedNotificationCenter::Body::deliver(
-    const QString& name, const QString& object, const QVariantMap& userInformation)
+/// Any program may send anything: of arguments of other types than a slot's Qt makes none, and
+/// libdbus ends the process where one is read as what it is not.
+void DistributedNotificationCenter::Body::deliver(const QDBusMessage& message)
 {
-    Q_UNUSED(object)
-    Q_UNUSED(userInformation)
+    if (message.signature() != signature)
+        return;
+    const auto name = message.arguments().constFirst().toString();
     if (!m_isSuspended) {
         observers.post(name);
         return;
@@ -70,9 +72,9 @@ void DistributedNotificationCenter::post(const QString& name)
     // Signals are written by a thread of Qt's, later. The bus answers in order, so its answer to
     // a call tells that the signal has left; a bus that hangs is not waited for.
     constexpr std::chrono::milliseconds patience{1000};
-    const auto flush = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("GetId"));
+    const auto flush = QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
+        u"/org/freedesktop/DBus"_s,
+        u"org.freedesktop.DBus"_s,
+        u"GetId"_s);
     m_body->bus.call(flush, QDBus::Block, static_cast<int>(patience.count()));
 }

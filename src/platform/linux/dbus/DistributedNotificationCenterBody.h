@@ -4,9 +4,9 @@
 #include "platform/DistributedNotificationCenter.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
 #include <QStringList>
-#include <QVariantMap>
 
 /// Hears every notification on the bus and hands it to the observers of its name.
 class DistributedNotificationCenter::Body : public QObject {
@@ -21,7 +21,7 @@ public:
     NotificationCenter observers;
 
 public Q_SLOTS:
-    void deliver(const QString& name, const QString& object, const QVariantMap& userInformation);
+    void deliver(const QDBusMessage& message);
 
 private:
     bool m_isSuspended = false;
