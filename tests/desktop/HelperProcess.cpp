@@ -1,5 +1,6 @@
 #include "desktop/HelperProcess.h"
 
+#include "support/ChildProcess.h"
 #include "support/TestVideos.h"
 #include "support/VideoRows.h"
 
@@ -70,6 +71,7 @@ QString HelperProcess::program()
 void HelperProcess::start()
 {
     m_process.setProcessEnvironment(m_environment);
+    ChildProcess::endWithThisProcess(m_process);
     m_process.start(program(), {});
     if (!m_process.waitForStarted())
         qFatal("The helper does not start.");

@@ -1,5 +1,7 @@
 #include "desktop/VirtualDesktop.h"
 
+#include "support/ChildProcess.h"
+
 #include <QColor>
 #include <QTest>
 
@@ -66,10 +68,12 @@ VirtualDesktop::VirtualDesktop(const QSize& size, const QStringList& serverArgum
         QStringLiteral("tcp"),
         QStringLiteral("-noreset"),
     };
+    ChildProcess::endWithThisProcess(m_server, SIGTERM); // it tidies up then
     m_server.start(QStringLiteral("Xvfb"), arguments + serverArguments);
     m_display = u':' + QString::fromLatin1(firstLine(m_server, "Xvfb"));
     m_connection.reset(xcb_connect(m_display.toLatin1().constData(), nullptr));
 
+    ChildProcess::endWithThisProcess(m_bus);
     m_bus.start(QStringLiteral("dbus-daemon"),
         {QStringLiteral("--session"),
             QStringLiteral("--nofork"),
@@ -121,6 +125,7 @@ void VirtualDesktop::startWindowManager()
 {
     xcb_delete_property(connection(), root(), atom("_NET_SUPPORTED"));
     m_windowManager.setProcessEnvironment(environment());
+    ChildProcess::endWithThisProcess(m_windowManager);
     m_windowManager.start(QStringLiteral("openbox"), {});
     if (!QTest::qWaitFor([this] { return hasWindowManager(); }, 20'000))
         qFatal("openbox does not start.");

@@ -214,14 +214,10 @@ int main(int argc, char** argv)
     qputenv("DISPLAY", desktop.display().toUtf8());
     qputenv("DBUS_SESSION_BUS_ADDRESS", desktop.busAddress().toUtf8());
     static Application application(argc, argv);
-    int status = EXIT_FAILURE;
-    QObject::connect(
-        &application, &Application::didFinishLaunching, &application, [&status, argc, argv] {
-            ApplicationTest test(desktop, application);
-            status = QTest::qExec(&test, argc, argv);
-            application.terminate();
-        });
-    application.run();
-    return status;
+    QObject::connect(&application, &Application::didFinishLaunching, &application, [argc, argv] {
+        ApplicationTest test(desktop, application);
+        QCoreApplication::exit(QTest::qExec(&test, argc, argv));
+    });
+    application.run(); // ends the process, with the status of the loop, and the desktop with it
 }
 #include "ApplicationTest.moc"

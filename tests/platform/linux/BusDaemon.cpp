@@ -1,5 +1,7 @@
 #include "platform/linux/BusDaemon.h"
 
+#include "support/ChildProcess.h"
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QFile>
@@ -27,6 +29,7 @@ QString BusDaemon::address() const
 
 void BusDaemon::start()
 {
+    ChildProcess::endWithThisProcess(m_process);
     m_process.start(QStringLiteral("dbus-daemon"),
         {QStringLiteral("--session"),
             QStringLiteral("--nofork"),
