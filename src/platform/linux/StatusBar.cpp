@@ -51,6 +51,7 @@ void StatusBar::Body::lookForHost()
         QStringLiteral("Get"));
     question << watcherName << QStringLiteral("IsStatusNotifierHostRegistered");
     question.setAutoStartService(false);
+    qRegisterMetaType<QDBusVariant>(); // Qt looks the slot's types up by their names
     m_bus.callWithCallback(question, this, SLOT(receiveHost(QDBusVariant)));
 }
 
