@@ -164,14 +164,12 @@ std::deque<VideoDetail> LocalVideoDBManager::videos(
     if (rows && !rows->hasFailed()) {
         m_lastReading = Reading::Complete;
         m_reportedFailure.clear();
-    } else if (m_db.isBusy()) {
-        m_lastReading = Reading::Busy;
-    } else {
-        m_lastReading = Reading::Failed;
-        m_openedVersion.reset(); // the next reading opens it anew
-        if (m_db.isOpen())
-            reportFailure(m_db.lastErrorMessage());
+        return videos;
     }
+    m_openedVersion.reset(); // the next query opens it anew
+    m_lastReading = m_db.isBusy() ? Reading::Busy : Reading::Failed;
+    if (m_lastReading == Reading::Failed && m_db.isOpen())
+        reportFailure(m_db.lastErrorMessage());
     return videos;
 }
 
@@ -199,5 +197,7 @@ void LocalVideoDBManager::deleteVideo(const QString& sign)
 {
     openAnewIfChanged();
     const bool isDeleted = m_db.executeUpdate(u"delete from LocalVideos where sign = ?"_s, {sign});
+    if (!isDeleted)
+        m_openedVersion.reset(); // the next query opens it anew
     printLine(u"delete %1 %2"_s.arg(sign, isDeleted ? u"true" : u"false"));
 }
