@@ -7,6 +7,8 @@
 #include <optional>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 class ObservationTest : public QObject {
     Q_OBJECT
 
@@ -16,9 +18,8 @@ private Q_SLOTS:
         int runs = 0;
         {
             Disposable token([&] { ++runs; });
-            Disposable moved(std::move(token));
             std::vector<Disposable> tokens;
-            tokens.push_back(std::move(moved));
+            tokens.push_back(std::move(token));
             QCOMPARE(runs, 0);
         }
         QCOMPARE(runs, 1);
@@ -27,30 +28,28 @@ private Q_SLOTS:
     void assignedToken_releasesWhatItHeld()
     {
         QStringList released;
-        Disposable token([&] { released << QStringLiteral("old"); });
-
-        token = Disposable([&] { released << QStringLiteral("new"); });
-
-        QCOMPARE(released, QStringList{QStringLiteral("old")});
+        Disposable token([&] { released << u"old"_s; });
+        token = Disposable([&] { released << u"new"_s; });
+        QCOMPARE(released, QStringList{u"old"_s});
     }
 
     void observers_areCalledInOrderUntilTheirTokenIsReleased()
     {
         QObject subject;
         QStringList calls;
-        std::optional first(observe(subject, &QObject::objectNameChanged, [&](const QString& name) {
-            calls << u'1' + name;
-        }));
-        const auto second = observe(subject, &QObject::objectNameChanged, [&](const QString& name) {
-            calls << u'2' + name;
-        });
+        const auto observer = [&](QChar number) {
+            return observe(subject, &QObject::objectNameChanged, [&calls, number](QString name) {
+                calls << number + name;
+            });
+        };
+        std::optional first(observer(u'1'));
+        const auto second = observer(u'2');
 
-        subject.setObjectName(QStringLiteral("a"));
+        subject.setObjectName(u"a"_s);
         first.reset();
-        subject.setObjectName(QStringLiteral("b"));
+        subject.setObjectName(u"b"_s);
 
-        QCOMPARE(
-            calls, (QStringList{QStringLiteral("1a"), QStringLiteral("2a"), QStringLiteral("2b")}));
+        QCOMPARE(calls, (QStringList{u"1a"_s, u"2a"_s, u"2b"_s}));
     }
 
     void tokens_mayOutliveTheSubject()
@@ -60,45 +59,43 @@ private Q_SLOTS:
             QObject subject;
             NotificationCenter center;
             tokens.push_back(observe(subject, &QObject::objectNameChanged, [] {}));
-            tokens.push_back(center.addObserver(QStringLiteral("name"), [] {}));
+            tokens.push_back(center.addObserver(u"name"_s, [] {}));
         }
         tokens.clear(); // must not touch what is gone
     }
 
-    void notification_reachesObserversOfItsNameOnly()
+    void notification_reachesObserversOfItsNameWithWhatItSays()
     {
         NotificationCenter center;
         QStringList calls;
-        const auto one =
-            center.addObserver(QStringLiteral("one"), [&] { calls << QStringLiteral("one"); });
-        const auto two =
-            center.addObserver(QStringLiteral("two"), [&] { calls << QStringLiteral("two"); });
+        const auto one = center.addObserver(u"one"_s, [&] { calls << u"one"_s; });
+        const auto two = center.addObserver(
+            u"two"_s, [&](const QVariant& information) { calls << information.toString(); });
 
-        center.post(QStringLiteral("two"));
+        center.post(u"two"_s, u"said"_s);
 
-        QCOMPARE(calls, QStringList{QStringLiteral("two")});
+        QCOMPARE(calls, QStringList{u"said"_s});
     }
 
     void observers_mayComeAndGoDuringDelivery()
     {
         NotificationCenter center;
-        const auto name = QStringLiteral("name");
         QStringList calls;
         std::vector<Disposable> late;
         std::optional<Disposable> self;
         std::optional<Disposable> next;
-        self = center.addObserver(name, [&] {
-            calls << QStringLiteral("self");
+        self = center.addObserver(u"name"_s, [&] {
+            calls << u"self"_s;
             self.reset();
             next.reset();
-            late.push_back(center.addObserver(name, [&] { calls << QStringLiteral("late"); }));
+            late.push_back(center.addObserver(u"name"_s, [&] { calls << u"late"_s; }));
         });
-        next = center.addObserver(name, [&] { calls << QStringLiteral("next"); });
+        next = center.addObserver(u"name"_s, [&] { calls << u"next"_s; });
 
-        center.post(name);
-        QCOMPARE(calls, QStringList{QStringLiteral("self")});
-        center.post(name);
-        QCOMPARE(calls, (QStringList{QStringLiteral("self"), QStringLiteral("late")}));
+        center.post(u"name"_s);
+        QCOMPARE(calls, QStringList{u"self"_s});
+        center.post(u"name"_s);
+        QCOMPARE(calls, (QStringList{u"self"_s, u"late"_s}));
     }
 };
 

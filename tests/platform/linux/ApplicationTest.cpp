@@ -2,9 +2,7 @@
 #include "desktop/VirtualDesktop.h"
 #include "platform/DesktopWindow.h"
 #include "platform/Workspace.h"
-#include "support/TemporaryHome.h"
 
-#include <QFile>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
@@ -14,9 +12,10 @@
 #include <utility>
 #include <vector>
 
+using namespace Qt::StringLiterals;
 using WindowKind = VirtualDesktop::WindowKind;
 
-/// What the application and the workspace do on a desktop with two monitors and a window manager.
+/// What the application tells on a desktop with two monitors and a window manager.
 class ApplicationTest : public QObject {
     Q_OBJECT
 
@@ -115,7 +114,7 @@ private Q_SLOTS:
 
         m_wallpaper.clear();
         m_desktop.closeWindow(cover);
-        QTRY_COMPARE(m_desktop.leftColour(), QStringLiteral("black"));
+        QTRY_COMPARE(m_desktop.leftColour(), u"black"_s);
         QVERIFY(!m_changes->wait(1000)); // longer than a change may take
 
         // What is shown anew begins as seen, so this is a change again.
@@ -143,6 +142,15 @@ private Q_SLOTS:
         QTRY_VERIFY(m_changes->count() % 2 == 1);
     }
 
+    void spaceThatIsShown_isTold()
+    {
+        const QSignalSpy spaces(&Workspace::shared(), &Workspace::activeSpaceDidChange);
+        m_desktop.requestDesktop(1);
+        QTRY_COMPARE(spaces.count(), 1);
+        m_desktop.requestDesktop(0);
+        QTRY_COMPARE(spaces.count(), 2);
+    }
+
     void keyboardThatGoesToAnotherProgram_isTold()
     {
         const QSignalSpy resignations(&m_application, &Application::didResignActive);
@@ -155,25 +163,6 @@ private Q_SLOTS:
         open(WindowKind::Ordinary, {100, 100, 300, 300});
 
         QTRY_COMPARE(resignations.count(), 1);
-    }
-
-    void url_opensInTheBrowser()
-    {
-        const TemporaryHome home;
-        const auto trace = home.path() + QStringLiteral("/trace");
-        const auto browser = home.path() + QStringLiteral("/xdg-open");
-        TemporaryHome::writeFile(browser, "#!/bin/sh\necho \"$1\" >'" + trace.toUtf8() + "'\n");
-        QFile::setPermissions(browser, QFile::ReadOwner | QFile::ExeOwner);
-        const auto path = qgetenv("PATH");
-
-        qputenv("PATH", "/nonexistent");
-        qputenv("BROWSER", "");
-        Workspace::shared().openUrl(QUrl(QStringLiteral("https://example.org/none")));
-        qputenv("PATH", home.path().toUtf8() + ':' + path);
-        Workspace::shared().openUrl(QUrl(QStringLiteral("https://example.org/a?b=c%20d")));
-
-        QTRY_COMPARE(TemporaryHome::contents(trace), "https://example.org/a?b=c%20d\n");
-        qputenv("PATH", path);
     }
 
 private:

@@ -10,6 +10,8 @@
 #include <csignal>
 #include <utility>
 
+using namespace Qt::StringLiterals;
+
 BusDaemon::BusDaemon(Start start)
 {
     if (start == Start::Now)
@@ -24,21 +26,18 @@ BusDaemon::~BusDaemon()
 
 QString BusDaemon::address() const
 {
-    return QStringLiteral("unix:path=") + m_directory.filePath(QStringLiteral("bus"));
+    return u"unix:path="_s + m_directory.filePath(u"bus"_s);
 }
 
 void BusDaemon::start()
 {
     ChildProcess::endWithThisProcess(m_process);
-    m_process.start(QStringLiteral("dbus-daemon"),
-        {QStringLiteral("--session"),
-            QStringLiteral("--nofork"),
-            QStringLiteral("--address=") + address(),
-            QStringLiteral("--print-address=1")});
+    m_process.start(u"dbus-daemon"_s,
+        {u"--session"_s, u"--nofork"_s, u"--address="_s + address(), u"--print-address=1"_s});
     if (!m_process.waitForReadyRead(20'000))
         qFatal("dbus-daemon does not start: %s", m_process.readAllStandardError().constData());
     static int count = 0;
-    m_name = QStringLiteral("test %1").arg(++count);
+    m_name = u"test %1"_s.arg(++count);
     if (!QDBusConnection::connectToBus(address(), m_name).isConnected())
         qFatal("The test's own bus does not answer.");
 }
@@ -48,7 +47,7 @@ void BusDaemon::stop()
     QDBusConnection::disconnectFromBus(m_name);
     m_process.kill();
     m_process.waitForFinished();
-    QFile::remove(m_directory.filePath(QStringLiteral("bus"))); // a killed one leaves it
+    QFile::remove(m_directory.filePath(u"bus"_s)); // a killed one leaves it
 }
 
 void BusDaemon::pause() const
@@ -63,11 +62,10 @@ void BusDaemon::resume() const
 
 bool BusDaemon::isListenedTo(const QString& interface) const
 {
-    const auto reply =
-        connection().call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-            QStringLiteral("/org/freedesktop/DBus"),
-            QStringLiteral("org.freedesktop.DBus.Debug.Stats"),
-            QStringLiteral("GetAllMatchRules")));
+    const auto reply = connection().call(QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s,
+        u"/org/freedesktop/DBus"_s,
+        u"org.freedesktop.DBus.Debug.Stats"_s,
+        u"GetAllMatchRules"_s));
     if (reply.type() != QDBusMessage::ReplyMessage)
         qFatal("The bus does not tell who listens: %s", qUtf8Printable(reply.errorMessage()));
     QMap<QString, QStringList> rules; // by listener

@@ -1,7 +1,10 @@
 #include "platform/WallClockTimer.h"
+#include "platform/linux/FakeClock.h"
 
 #include <QSignalSpy>
 #include <QTest>
+
+using namespace std::chrono_literals;
 
 class WallClockTimerTest : public QObject {
     Q_OBJECT
@@ -69,6 +72,28 @@ private Q_SLOTS:
         timer.setFireDate(QDateTime::currentDateTime());
 
         QTRY_COMPARE(spy.size(), 3);
+    }
+
+    /// A sleep over the date is the same to the timer: the wall clock has gone on.
+    void clockThatIsSet_isFollowed()
+    {
+        WallClockTimer timer;
+        QSignalSpy fired(&timer, &WallClockTimer::fired);
+        QSignalSpy changes(&timer, &WallClockTimer::clockDidChange);
+        timer.setFireDate(QDateTime::currentDateTime().addSecs(3600));
+
+        FakeClock::set(-3600s);
+        QTRY_COMPARE(changes.size(), 1);
+        FakeClock::set(3599s); // back to an hour before the date
+        QTRY_COMPARE(changes.size(), 2);
+        QVERIFY(fired.isEmpty());
+
+        FakeClock::set(3602s);
+        QTRY_COMPARE(fired.size(), 1);
+        QCOMPARE(changes.size(), 2);
+
+        timer.setFireDate(QDateTime::currentDateTime().addMSecs(100));
+        QTRY_COMPARE(fired.size(), 2);
     }
 };
 
