@@ -127,6 +127,7 @@ class Faults:
             build(names)
         except Problem as problem:
             return f"without a fault it {problem}"
+        self.tests = all_tests()  # a program is known once it is there
         for name in names:
             if name in self.limits:
                 continue
