@@ -1,5 +1,6 @@
 #include "platform/linux/FakeClock.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <ctime>
 #include <map>
@@ -8,7 +9,7 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-// The programs's own definitions come before the C library's, for the libraries that it uses too.
+// The program's own definitions come before the C library's, for the libraries that it uses too.
 
 namespace {
 
@@ -43,7 +44,8 @@ void FakeClock::set(std::chrono::seconds by)
 {
     shift += by.count();
     for (auto& [descriptor, timer] : timers()) {
-        timer.isCancelled = (timer.flags & TFD_TIMER_CANCEL_ON_SET) != 0;
+        timer.isCancelled =
+            timer.clock == CLOCK_REALTIME && (timer.flags & TFD_TIMER_CANCEL_ON_SET) != 0;
         arm(descriptor, timer);
     }
 }
@@ -88,6 +90,7 @@ ssize_t read(int descriptor, void* buffer, size_t size)
     if (timer == timers().end() || !timer->second.isCancelled)
         return result;
     timer->second.isCancelled = false;
+    arm(descriptor, timer->second);
     errno = ECANCELED;
     return -1;
 }
