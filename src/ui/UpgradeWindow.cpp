@@ -3,6 +3,8 @@
 #include "ui/UpgradeBackGround.h"
 #include "ui/UpgradeWindowController.h"
 
+#include <QAbstractButton>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -53,6 +55,15 @@ void UpgradeWindow::openUpdate()
 void UpgradeWindow::performClose()
 {
     close();
+}
+
+void UpgradeWindow::keyPressEvent(QKeyEvent* event)
+{
+    auto* const button = qobject_cast<QAbstractButton*>(focusWidget());
+    if (button && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        button->click();
+    else
+        QDialog::keyPressEvent(event);
 }
 
 void UpgradeWindow::paintEvent(QPaintEvent* /*event*/)

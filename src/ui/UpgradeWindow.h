@@ -30,6 +30,9 @@ public Q_SLOTS:
     void performClose();
 
 protected:
+    /// Enter is for the control that has the keyboard. There is no default button: the window comes
+    /// by itself, and what somebody types elsewhere at that moment must not start the download.
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

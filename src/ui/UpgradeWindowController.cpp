@@ -52,7 +52,8 @@ void UpgradeWindowController::windowDidLoad()
     auto& panel = outlet<UpgradeWindow>("UpgradeWindow");
     panel.setWindowController(this);
     panel.setFixedSize(panel.size().expandedTo(panel.minimumSizeHint()));
-    upgradeButton(); // has to be there; the file says what it does
+    panel.setFocus(); // none of its controls has the keyboard at first, see UpgradeWindow
+    upgradeButton();  // has to be there; the file says what it does
 
     const auto image = Bundle::main().pathForResource(
         QStringLiteral("upgrade_back_ground"), QStringLiteral("png"));

@@ -3,7 +3,10 @@
 #include "platform/Bundle.h"
 #include "ui/UiLoader.h"
 
+#include <QCursor>
 #include <QFile>
+#include <QGuiApplication>
+#include <QScreen>
 
 #include <utility>
 
@@ -40,7 +43,12 @@ QWidget& WindowController::window()
 void WindowController::showWindow()
 {
     auto& shown = window();
+    shown.hide(); // or it would stay on the virtual desktop where it was shown before
     shown.setWindowState(shown.windowState() & ~Qt::WindowMinimized);
+    shown.adjustSize();
+    auto* const screen = QGuiApplication::screenAt(QCursor::pos());
+    const auto place = (screen ? screen : QGuiApplication::primaryScreen())->availableGeometry();
+    shown.move(place.center() - shown.rect().center());
     shown.show();
     shown.raise();
     shown.activateWindow();

@@ -24,7 +24,8 @@ public:
     void loadWindow();
     QWidget& window(); ///< loads it first
 
-    /// Shows it in front and gives it the keyboard.
+    /// Shows it in front, on the current virtual desktop and in the middle of the screen where the
+    /// pointer is, and gives it the keyboard.
     void showWindow();
     void close();
 
