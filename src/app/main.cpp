@@ -1,7 +1,7 @@
 #include "app/AppDelegate.h"
 #include "app/CommandLine.h"
 #include "app/Translation.h"
-#include "menu/StatusBarImage.h"
+#include "menu/HelperIcon.h"
 
 #include <QApplication>
 
@@ -19,7 +19,7 @@ int main(int argc, char** argv)
 
     Application application(argc, argv);
     const Translation translation(Bundle::main());
-    QApplication::setWindowIcon(StatusBarImage::load(Bundle::main()));
+    QApplication::setWindowIcon(HelperIcon::applicationIcon(Bundle::main()));
     const AppDelegate delegate(application);
     application.run();
 }

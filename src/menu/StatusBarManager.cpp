@@ -1,16 +1,39 @@
 #include "menu/StatusBarManager.h"
 
 #include "base/Observe.h"
-#include "menu/StatusBarImage.h"
+#include "menu/HelperIcon.h"
 #include "platform/Application.h"
 #include "platform/Screen.h"
 
 #include <QCursor>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QKeyEvent>
 
-#include <algorithm>
 #include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// What can be chosen by these keys, in the menu or in those below it.
+QAction* findByShortcut(const QMenu& menu, const QKeySequence& keys)
+{
+    const auto actions = menu.actions();
+    for (auto* const action : actions) {
+        if (!action->isEnabled())
+            continue;
+        if (!action->shortcut().isEmpty() && action->shortcut() == keys)
+            return action;
+        if (const auto* const below = action->menu()) {
+            if (auto* const found = findByShortcut(*below, keys))
+                return found;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
 
 StatusBarManager& StatusBarManager::shared()
 {
@@ -78,9 +101,8 @@ void StatusBarManager::observePreferences()
     follow(&Preferences::muteChanged,
         [this](bool) { muteItem().setChecked(m_playerManager.isMuted()); });
     follow(&Preferences::monitorArrangeChanged, [this](qint64) {
-        comboItem().setChecked(screenType() == VideoPlayerScreenType::combo);
-        dynamicItem().setChecked(screenType() == VideoPlayerScreenType::dynamic);
-        lonelyItem().setChecked(screenType() == VideoPlayerScreenType::lonely);
+        markArrangement();
+        markMonitor();
     });
     follow(&Preferences::screenIndexChanged, [this](qint64) { rebuildLonelyMenu(); });
     follow(&Preferences::isOpenPlayerChanged, [this](bool isOpen) {
@@ -96,6 +118,7 @@ void StatusBarManager::buildScreenMenu()
 {
     auto& screenItem = item(m_screenItem, tr("Screen", "title"));
     auto menu = std::make_unique<QMenu>(tr("Screen", "title"));
+    menu->installEventFilter(this);
     lonelyItem().setMenu(&lonelyMenu());
     menu->addAction(&comboItem());
     menu->addAction(&dynamicItem());
@@ -104,8 +127,7 @@ void StatusBarManager::buildScreenMenu()
     m_screenMenu = std::move(menu); // the one before goes when nothing shows it any more
 
     rebuildLonelyMenu();
-    dynamicItem().setChecked(screenType() == VideoPlayerScreenType::dynamic);
-    comboItem().setChecked(screenType() == VideoPlayerScreenType::combo);
+    markArrangement();
 }
 
 void StatusBarManager::buildMainMenu()
@@ -129,9 +151,10 @@ void StatusBarManager::buildMainMenu()
     muteItem().setChecked(m_playerManager.isMuted());
     menu->addAction(&muteItem());
     menu->addSeparator();
-    if (Screen::screens().size() > 1)
+    if (Screen::screens().size() > 1) {
         menu->addAction(m_screenItem.get());
-    menu->addSeparator();
+        menu->addSeparator();
+    }
     menu->addAction(m_quitItem.get());
     m_mainMenu.swap(menu);
     showStatusItem(); // which takes the new menu before the one before goes
@@ -145,7 +168,7 @@ void StatusBarManager::showStatusItem()
         return;
     auto& item = barItem();
     item.setContextMenu(m_mainMenu.get());
-    item.setIcon(StatusBarImage::load(m_bundle));
+    item.setIcon(HelperIcon::statusBarIcon(m_bundle));
     item.show();
 }
 
@@ -168,23 +191,35 @@ void StatusBarManager::rebuildLonelyMenu()
             screen->setShortcut(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_1 + i));
         screen->setData(i);
         screen->setCheckable(true);
-        screen->setChecked(i == m_playerManager.screenIndex());
+        m_monitors.addAction(screen);
         connect(screen, &QAction::triggered, this, [this, screen] { changeScreenIndex(*screen); });
     }
+    markMonitor();
+}
+
+void StatusBarManager::markArrangement()
+{
+    const auto type = static_cast<VideoPlayerScreenType>(
+        m_playerManager.valueForKey(u"screenType"_s).toLongLong());
+    comboItem().setChecked(type == VideoPlayerScreenType::combo);
+    dynamicItem().setChecked(type == VideoPlayerScreenType::dynamic);
+    lonelyItem().setChecked(type == VideoPlayerScreenType::lonely);
+}
+
+void StatusBarManager::markMonitor()
+{
+    const auto monitors = m_monitors.actions();
+    for (auto* const monitor : monitors)
+        monitor->setChecked(monitor->data().toLongLong() == m_playerManager.screenIndex());
 }
 
 bool StatusBarManager::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::KeyPress && watched == m_mainMenu.get()) {
+    if (event->type() == QEvent::KeyPress) {
         const QKeySequence keys(static_cast<QKeyEvent*>(event)->keyCombination());
-        const auto actions = m_mainMenu->actions();
-        const auto found = std::ranges::find_if(actions, [&keys](const QAction* action) {
-            return action->isEnabled() && !action->shortcut().isEmpty() &&
-                   action->shortcut() == keys;
-        });
-        if (found != actions.end()) {
-            m_mainMenu->close();
-            (*found)->trigger();
+        if (auto* const found = findByShortcut(*m_mainMenu, keys)) {
+            m_mainMenu->close(); // and those below it
+            found->trigger();
             return true;
         }
     }
@@ -197,7 +232,7 @@ QSystemTrayIcon& StatusBarManager::barItem()
 {
     if (!m_barItem) {
         m_barItem = std::make_unique<QSystemTrayIcon>();
-        m_barItem->setToolTip(QStringLiteral("TavelorHelper"));
+        m_barItem->setToolTip(QGuiApplication::applicationDisplayName());
         // Panels open the menu themselves on one of the buttons; the other one does it, too.
         connect(m_barItem.get(),
             &QSystemTrayIcon::activated,
@@ -239,6 +274,14 @@ QAction& StatusBarManager::markedItem(LazyItem& item, const QString& title, Acti
     return *item;
 }
 
+QAction& StatusBarManager::arrangementItem(LazyItem& item, const QString& title, Action action)
+{
+    auto& arrangement = this->item(item, title, std::move(action));
+    arrangement.setCheckable(true);
+    m_arrangements.addAction(&arrangement);
+    return arrangement;
+}
+
 QAction& StatusBarManager::toggleVideoDestopItem()
 {
     return item(
@@ -267,32 +310,31 @@ QAction& StatusBarManager::muteItem()
 
 QAction& StatusBarManager::comboItem()
 {
-    return markedItem(m_comboItem,
+    return arrangementItem(m_comboItem,
         tr("Integration", "make up all monitors into one player"),
         [this](QAction& sender) { changeMonitorArray(sender); });
 }
 
 QAction& StatusBarManager::dynamicItem()
 {
-    return markedItem(m_dynamicItem,
+    return arrangementItem(m_dynamicItem,
         tr("Mirror", "each monitor has same content"),
         [this](QAction& sender) { changeMonitorArray(sender); });
 }
 
 QAction& StatusBarManager::lonelyItem()
 {
-    return markedItem(m_lonelyItem, tr("Single", "Only play on one monitor"));
+    // Some panels let people click what opens a menu; that changes nothing.
+    return arrangementItem(m_lonelyItem,
+        tr("Single", "Only play on one monitor"),
+        [this](QAction&) { markArrangement(); });
 }
 
 QMenu& StatusBarManager::lonelyMenu()
 {
-    if (!m_lonelyMenu)
+    if (!m_lonelyMenu) {
         m_lonelyMenu = std::make_unique<QMenu>(tr("Single", "Only play on one monitor"));
+        m_lonelyMenu->installEventFilter(this);
+    }
     return *m_lonelyMenu;
-}
-
-VideoPlayerScreenType StatusBarManager::screenType() const
-{
-    return static_cast<VideoPlayerScreenType>(
-        m_playerManager.valueForKey(QStringLiteral("screenType")).toLongLong());
 }

@@ -10,6 +10,7 @@
 #include "service/UpgradeInfo.h"
 
 #include <QAction>
+#include <QActionGroup>
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
@@ -94,13 +95,17 @@ private:
     QAction& item(LazyItem& item, const QString& title, Action action = {});
     /// With a mark that only this class sets.
     QAction& markedItem(LazyItem& item, const QString& title, Action action = {});
+    /// One of the ways to use the monitors, of which exactly one is marked.
+    QAction& arrangementItem(LazyItem& item, const QString& title, Action action);
 
     void observePreferences();
     void buildScreenMenu();
     void buildMainMenu();
     void showStatusItem();
     void rebuildLonelyMenu();
-    VideoPlayerScreenType screenType() const;
+    void markArrangement();
+    /// The player's monitor, also while all are in use: it is where a new choice starts from.
+    void markMonitor();
 
     Preferences& m_preferences;
     VideoPlayerManager& m_playerManager;
@@ -115,6 +120,8 @@ private:
     std::vector<Disposable> m_observersDispose;
     std::vector<Disposable> m_screenObservers; // one more with every build, never removed
 
+    QActionGroup m_arrangements{nullptr};
+    QActionGroup m_monitors{nullptr};
     // Menus show items that they do not own, so they go before them.
     LazyItem m_toggleVideoDestopItem;
     LazyItem m_playPauseItem;

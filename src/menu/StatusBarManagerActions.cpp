@@ -15,11 +15,15 @@ void StatusBarManager::screenDidChanged()
 
 void StatusBarManager::toggleVideoDesktop()
 {
-    if (m_preferences.isOpenPlayer())
-        m_playerManager.closePlayer();
-    else
+    const bool opens = !m_preferences.isOpenPlayer();
+    if (opens)
         m_playerManager.openPlayer();
-    m_preferences.setIsOpenPlayer(!m_preferences.isOpenPlayer());
+    else
+        m_playerManager.closePlayer();
+    m_preferences.setIsOpenPlayer(opens);
+    // It plays, so it is not paused any more: the same as when another program opens it.
+    if (opens && !m_preferences.isPlaying())
+        m_preferences.setIsPlaying(true);
 }
 
 void StatusBarManager::playPauseAction(QAction& sender)

@@ -1,17 +1,18 @@
 #include "desktop/StatusNotifierHost.h"
 
 #include <QDBusArgument>
-#include <QDBusConnectionInterface>
+#include <QDBusMessage>
 #include <QDBusVariant>
-#include <QDateTime>
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto watcherName = QStringLiteral("org.kde.StatusNotifierWatcher");
-const auto menuPath = QStringLiteral("/MenuBar");
-const auto menuInterface = QStringLiteral("com.canonical.dbusmenu");
+const auto connectionName = u"status notifier host"_s;
+const auto menuPath = u"/MenuBar"_s;
+const auto menuInterface = u"com.canonical.dbusmenu"_s;
 
 /// Of `a{sv}` and then `av`.
 MenuEntry readEntry(const QDBusArgument& argument)
@@ -29,139 +30,82 @@ MenuEntry readEntry(const QDBusArgument& argument)
     argument.endArray();
     argument.endStructure();
 
-    entry.title = properties.value(QStringLiteral("type")) == QStringLiteral("separator")
-                      ? QStringLiteral("-")
-                      : properties.value(QStringLiteral("label")).toString();
-    entry.enabled = properties.value(QStringLiteral("enabled"), true).toBool();
-    entry.markable = properties.contains(QStringLiteral("toggle-type"));
-    entry.marked = properties.value(QStringLiteral("toggle-state")).toInt() == 1;
-    if (properties.contains(QStringLiteral("shortcut"))) {
-        const auto shortcut = properties.value(QStringLiteral("shortcut")).value<QDBusArgument>();
-        QList<QStringList> keys;
-        shortcut >> keys;
-        entry.shortcut = keys.value(0).join(u'+');
-    }
+    const bool isSeparator = properties.value(u"type"_s) == u"separator"_s;
+    entry.title = isSeparator ? u"-"_s : properties.value(u"label"_s).toString();
+    entry.enabled = properties.value(u"enabled"_s, true).toBool();
+    entry.markKind = properties.value(u"toggle-type"_s).toString();
+    entry.marked = properties.value(u"toggle-state"_s).toInt() == 1;
+    const auto keys = qdbus_cast<QList<QStringList>>(properties.value(u"shortcut"_s));
+    entry.shortcut = keys.value(0).join(u'+');
     return entry;
-}
-
-const MenuEntry* find(const std::vector<MenuEntry>& entries, const QString& title)
-{
-    const auto found = std::ranges::find(entries, title, &MenuEntry::title);
-    return found == entries.end() ? nullptr : &*found;
 }
 
 } // namespace
 
 StatusNotifierHost::StatusNotifierHost(const QString& busAddress)
-    : m_name(QStringLiteral("status notifier host")),
-      m_bus(QDBusConnection::connectToBus(busAddress, m_name))
+    : m_bus(QDBusConnection::connectToBus(busAddress, connectionName))
 {
     new StatusNotifierWatcherAdaptor(*this); // a child
-    m_bus.registerObject(QStringLiteral("/StatusNotifierWatcher"), this);
-    m_bus.connect(QString(),
-        menuPath,
-        menuInterface,
-        QStringLiteral("LayoutUpdated"),
-        this,
-        SIGNAL(layoutChanged()));
-    if (!m_bus.registerService(watcherName))
+    m_bus.registerObject(u"/StatusNotifierWatcher"_s, this);
+    if (!m_bus.registerService(u"org.kde.StatusNotifierWatcher"_s))
         qFatal("There is a watcher on the bus already.");
 }
 
 StatusNotifierHost::~StatusNotifierHost()
 {
-    QDBusConnection::disconnectFromBus(m_name);
-}
-
-bool StatusNotifierHost::hasItem() const
-{
-    return !m_service.isEmpty() && m_bus.interface()->isServiceRegistered(m_service);
-}
-
-void StatusNotifierHost::registerItem(const QString& service)
-{
-    m_service = service;
-    ++m_registrations;
+    QDBusConnection::disconnectFromBus(connectionName);
 }
 
 QVariant StatusNotifierHost::itemProperty(const QString& name) const
 {
-    const auto reply = call(QStringLiteral("/StatusNotifierItem"),
-        QStringLiteral("org.freedesktop.DBus.Properties"),
-        QStringLiteral("Get"),
-        {QStringLiteral("org.kde.StatusNotifierItem"), name});
-    return reply.arguments().value(0).value<QDBusVariant>().variant();
+    const auto reply = call(u"/StatusNotifierItem"_s,
+        u"org.freedesktop.DBus.Properties"_s,
+        u"Get"_s,
+        {u"org.kde.StatusNotifierItem"_s, name});
+    return reply.value(0).value<QDBusVariant>().variant();
 }
 
-std::vector<MenuEntry> StatusNotifierHost::menu() const
+MenuEntry StatusNotifierHost::entry(const QString& path) const
 {
-    if (m_service.isEmpty())
+    const auto layout = call(menuPath, menuInterface, u"GetLayout"_s, {0, -1, QStringList()});
+    if (layout.size() < 2)
         return {};
-    const auto reply =
-        call(menuPath, menuInterface, QStringLiteral("GetLayout"), {0, -1, QStringList()});
-    if (reply.type() != QDBusMessage::ReplyMessage)
-        return {};
-    return readEntry(reply.arguments().value(1).value<QDBusArgument>()).children;
-}
-
-std::optional<MenuEntry> StatusNotifierHost::entry(const QStringList& path) const
-{
-    auto entries = menu();
-    MenuEntry entry;
-    for (const auto& title : path) {
-        const auto* const found = find(entries, title);
-        if (!found)
-            return std::nullopt;
-        entry = *found;
-        entries = entry.children;
+    auto entry = readEntry(layout[1].value<QDBusArgument>());
+    const auto titles = path.split(u'/', Qt::SkipEmptyParts);
+    for (const auto& title : titles) {
+        const auto found = std::ranges::find(entry.children, title, &MenuEntry::title);
+        if (found == entry.children.end())
+            return {};
+        entry = MenuEntry(*found);
     }
     return entry;
 }
 
-QStringList StatusNotifierHost::titles(const QStringList& path) const
+QStringList StatusNotifierHost::titles(const QString& path) const
 {
     QStringList titles;
-    const auto entries = path.isEmpty() ? menu() : entry(path).value_or(MenuEntry()).children;
-    for (const auto& entry : entries)
-        titles << entry.title;
+    for (const auto& child : entry(path).children)
+        titles << child.title;
     return titles;
-}
-
-void StatusNotifierHost::click(const QStringList& path) const
-{
-    const auto found = entry(path);
-    if (!found)
-        qFatal("There is no menu item %s.", qUtf8Printable(path.join(u'/')));
-    click(found->id);
 }
 
 void StatusNotifierHost::click(int id) const
 {
     call(menuPath,
         menuInterface,
-        QStringLiteral("Event"),
-        {id,
-            QStringLiteral("clicked"),
-            QVariant::fromValue(QDBusVariant(0)),
-            QVariant::fromValue(static_cast<uint>(QDateTime::currentSecsSinceEpoch()))});
+        u"Event"_s,
+        {id, u"clicked"_s, QVariant::fromValue(QDBusVariant(0)), QVariant::fromValue(0U)});
 }
 
-QDBusMessage StatusNotifierHost::call(const QString& path,
+QVariantList StatusNotifierHost::call(const QString& path,
     const QString& interface,
     const QString& method,
     const QVariantList& arguments) const
 {
+    if (m_service.isEmpty())
+        return {};
     auto message = QDBusMessage::createMethodCall(m_service, path, interface, method);
     message.setArguments(arguments);
-    return m_bus.call(message);
-}
-
-StatusNotifierWatcherAdaptor::StatusNotifierWatcherAdaptor(StatusNotifierHost& host)
-    : QDBusAbstractAdaptor(&host), m_host(host)
-{
-}
-
-void StatusNotifierWatcherAdaptor::RegisterStatusNotifierItem(const QString& service)
-{
-    m_host.registerItem(service);
+    const auto reply = m_bus.call(message);
+    return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList();
 }

@@ -2,27 +2,25 @@
 
 #include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
-#include <QDBusMessage>
 #include <QObject>
-#include <QString>
 #include <QStringList>
 
-#include <optional>
 #include <vector>
 
 /// An entry of a menu as it is exported (com.canonical.dbusmenu).
 struct MenuEntry {
-    int id = 0;
+    int id = -1;   ///< of no entry
     QString title; ///< "-" for a separator
     QString shortcut;
+    QString markKind; ///< "checkmark", "radio" or none
     bool enabled = true;
-    bool markable = false;
     bool marked = false;
     std::vector<MenuEntry> children;
 };
 
 /// The status bar: the watcher and the host of status notifier items on a session bus, played by
-/// the test. It reads and clicks menus as a panel does.
+/// the test. It reads and clicks menus as a panel does. Paths are titles from the top with slashes
+/// between them.
 class StatusNotifierHost : public QObject {
     Q_OBJECT
 
@@ -30,36 +28,25 @@ public:
     explicit StatusNotifierHost(const QString& busAddress);
     ~StatusNotifierHost() override;
 
-    /// Whether an item has come whose owner is still there.
-    bool hasItem() const;
-    int registrations() const { return m_registrations; }
     QVariant itemProperty(const QString& name) const;
-
-    /// The whole menu; no entries while there is none.
-    std::vector<MenuEntry> menu() const;
-    /// By titles from the top; none if there is none like that.
-    std::optional<MenuEntry> entry(const QStringList& path) const;
+    bool hasEntry(const QString& path) const { return entry(path).id >= 0; }
+    MenuEntry entry(const QString& path) const;
     /// The titles on the level below the path, in order.
-    QStringList titles(const QStringList& path = {}) const;
+    QStringList titles(const QString& path = {}) const;
     /// Returns when the event has been taken; what it does comes later.
-    void click(const QStringList& path) const;
+    void click(const QString& path) const { click(entry(path).id); }
     void click(int id) const;
 
-    void registerItem(const QString& service);
-
-Q_SIGNALS:
-    void layoutChanged();
+    void registerItem(const QString& service) { m_service = service; }
 
 private:
-    QDBusMessage call(const QString& path,
+    QVariantList call(const QString& path,
         const QString& interface,
         const QString& method,
         const QVariantList& arguments) const;
 
-    QString m_name;
     QDBusConnection m_bus;
     QString m_service;
-    int m_registrations = 0;
 };
 
 /// What the bus sees of it.
@@ -67,18 +54,17 @@ class StatusNotifierWatcherAdaptor : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
     Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
-    Q_PROPERTY(int ProtocolVersion READ protocolVersion)
-    Q_PROPERTY(QStringList RegisteredStatusNotifierItems READ items)
 
 public:
-    explicit StatusNotifierWatcherAdaptor(StatusNotifierHost& host);
+    explicit StatusNotifierWatcherAdaptor(StatusNotifierHost& host)
+        : QDBusAbstractAdaptor(&host), m_host(host)
+    {
+    }
 
     bool isHostRegistered() const { return true; }
-    int protocolVersion() const { return 0; }
-    QStringList items() const { return {}; }
 
 public Q_SLOTS:
-    void RegisterStatusNotifierItem(const QString& service);
+    void RegisterStatusNotifierItem(const QString& service) { m_host.registerItem(service); }
 
 private:
     StatusNotifierHost& m_host;
