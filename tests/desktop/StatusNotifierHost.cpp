@@ -45,8 +45,9 @@ MenuEntry readEntry(const QDBusArgument& argument)
 StatusNotifierHost::StatusNotifierHost(const QString& busAddress)
     : m_bus(QDBusConnection::connectToBus(busAddress, connectionName))
 {
-    new StatusNotifierWatcherAdaptor(*this); // a child
-    m_bus.registerObject(u"/StatusNotifierWatcher"_s, this);
+    m_bus.registerObject(u"/StatusNotifierWatcher"_s,
+        this,
+        QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties);
     if (!m_bus.registerService(u"org.kde.StatusNotifierWatcher"_s))
         qFatal("There is a watcher on the bus already.");
 }
@@ -79,14 +80,6 @@ MenuEntry StatusNotifierHost::entry(const QString& path) const
         entry = MenuEntry(*found);
     }
     return entry;
-}
-
-QStringList StatusNotifierHost::titles(const QString& path) const
-{
-    QStringList titles;
-    for (const auto& child : entry(path).children)
-        titles << child.title;
-    return titles;
 }
 
 void StatusNotifierHost::click(int id) const

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDBusAbstractAdaptor>
 #include <QDBusConnection>
 #include <QObject>
 #include <QStringList>
@@ -23,6 +22,9 @@ struct MenuEntry {
 /// between them.
 class StatusNotifierHost : public QObject {
     Q_OBJECT
+    // What the bus sees of it.
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
 
 public:
     explicit StatusNotifierHost(const QString& busAddress);
@@ -30,14 +32,16 @@ public:
 
     QVariant itemProperty(const QString& name) const;
     bool hasEntry(const QString& path) const { return entry(path).id >= 0; }
+    /// The whole menu for no path; an entry without an ID for none that there is.
     MenuEntry entry(const QString& path) const;
-    /// The titles on the level below the path, in order.
-    QStringList titles(const QString& path = {}) const;
     /// Returns when the event has been taken; what it does comes later.
     void click(const QString& path) const { click(entry(path).id); }
     void click(int id) const;
 
-    void registerItem(const QString& service) { m_service = service; }
+    bool isHostRegistered() const { return true; }
+
+public Q_SLOTS:
+    void RegisterStatusNotifierItem(const QString& service) { m_service = service; }
 
 private:
     QVariantList call(const QString& path,
@@ -47,25 +51,4 @@ private:
 
     QDBusConnection m_bus;
     QString m_service;
-};
-
-/// What the bus sees of it.
-class StatusNotifierWatcherAdaptor : public QDBusAbstractAdaptor {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
-
-public:
-    explicit StatusNotifierWatcherAdaptor(StatusNotifierHost& host)
-        : QDBusAbstractAdaptor(&host), m_host(host)
-    {
-    }
-
-    bool isHostRegistered() const { return true; }
-
-public Q_SLOTS:
-    void RegisterStatusNotifierItem(const QString& service) { m_host.registerItem(service); }
-
-private:
-    StatusNotifierHost& m_host;
 };

@@ -41,28 +41,18 @@ private Q_SLOTS:
         QVERIFY(!(flags & (Qt::WindowMinMaxButtonsHint | Qt::WindowFullscreenButtonHint)));
     }
 
-    void alert_closes_data()
+    void alert_closesByKeysAndItsButton()
     {
-        QTest::addColumn<Qt::Key>("key");
-
-        QTest::newRow("with a click on the button") << Qt::Key_unknown;
-        QTest::newRow("with Enter") << Qt::Key_Return;
-        QTest::newRow("with Escape") << Qt::Key_Escape;
-    }
-
-    void alert_closes()
-    {
-        QFETCH(Qt::Key, key);
         CustomAlertWindowController alert;
-        alert.showWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&alert.window()));
-
-        if (key == Qt::Key_unknown)
-            QTest::mouseClick(alert.window().findChild<QPushButton*>(), Qt::LeftButton);
-        else
-            QTest::keyClick(alert.window().windowHandle(), key);
-
-        QVERIFY(!alert.window().isVisible());
+        for (const auto key : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_unknown}) {
+            alert.showWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&alert.window()));
+            if (key == Qt::Key_unknown)
+                QTest::mouseClick(alert.window().findChild<QPushButton*>(), Qt::LeftButton);
+            else
+                QTest::keyClick(alert.window().windowHandle(), key);
+            QVERIFY(!alert.window().isVisible());
+        }
     }
 };
 
