@@ -92,7 +92,8 @@ QImage HelperImage::applicationImage(int size)
     painter.drawRoundedRect(QRectF(0, 0, size, size), size / 5.0, size / 5.0);
 
     const int inner = qRound(size * 0.75);
-    painter.translate((size - inner) / 2, (size - inner) / 2); // between pixels
+    const int margin = (size - inner) / 2; // whole, so that edges stay between pixels
+    painter.translate(margin, margin);
     QLinearGradient light(0, 0, inner, inner);
     light.setColorAt(0, QColor(0x3d, 0xf0, 0xb0));
     light.setColorAt(1, QColor(0xe8, 0xf4, 0xff));
