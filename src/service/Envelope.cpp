@@ -61,6 +61,15 @@ bool removePadding(QByteArray& text)
     return true;
 }
 
+/// Lines may be broken and ended as with any other text.
+QByteArray withoutWhiteSpace(QByteArray text)
+{
+    text.removeIf([](char character) {
+        return character == ' ' || (character >= '\t' && character <= '\r');
+    });
+    return text;
+}
+
 QByteArray withEscapedQuotes(const QByteArray& text)
 {
     QByteArray escaped;
@@ -86,6 +95,8 @@ std::optional<QByteArray> Envelope::sealBody(const QByteArray& body)
 std::optional<QByteArray> Envelope::openBody(const QByteArray& reply)
 {
     auto sealed = Base64::decode(reply);
+    if (!sealed) // rarely, so nobody else pays for it
+        sealed = Base64::decode(withoutWhiteSpace(reply));
     if (!sealed)
         return std::nullopt;
     auto text = cipher(std::move(*sealed), Direction::Decipher);

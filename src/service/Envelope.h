@@ -14,8 +14,8 @@ namespace Envelope {
 std::optional<QByteArray> sealBody(const QByteArray& body);
 
 /// The text of a reply in UTF-8, without the NUL characters that the service may fill it up with,
-/// inside the padding or instead of it. None for what is not base64, does not decipher, or is no
-/// UTF-8.
+/// inside the padding or instead of it. White space in the reply is ignored. None for what is not
+/// base64, does not decipher, or is no UTF-8.
 std::optional<QByteArray> openBody(const QByteArray& reply);
 
 } // namespace Envelope

@@ -1,12 +1,15 @@
 #include "service/JSONAny.h"
 
 #include "service/JSONCoding.h"
+#include "service/TextFromUtf8.h"
 
 #include <cmath>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
-const auto typeName = QStringLiteral("JSONAny");
+const auto typeName = u"JSONAny"_s;
 
 /// `place` is an element or a member of `container`, or the container itself where a value stands
 /// alone; a value of no known kind is the container's failure.
@@ -27,8 +30,7 @@ QVariant decodeDictionary(const JSONDecoder& container)
 {
     QVariantMap dictionary;
     for (const auto& [key, member] : container.value().items()) {
-        dictionary.insert(
-            QString::fromStdString(key), decodeValue(container.member(key, member), container));
+        dictionary.insert(textFromUtf8(key), decodeValue(container.member(key, member), container));
     }
     return dictionary;
 }
@@ -43,15 +45,14 @@ QVariant decodeValue(const JSONDecoder& place, const JSONDecoder& container)
     if (value.is_number())
         return value.get<double>();
     if (value.is_string())
-        return QString::fromStdString(value.get_ref<const std::string&>());
+        return textFromUtf8(value.get_ref<const std::string&>());
     if (value.is_null())
         return QVariant::fromValue(JSONNull());
     if (value.is_array())
         return decodeArray(place);
     if (value.is_object())
         return decodeDictionary(place);
-    container.fail(
-        CodingError::Kind::TypeMismatch, typeName, QStringLiteral("Cannot decode JSONAny"));
+    container.fail(CodingError::Kind::TypeMismatch, typeName, u"Cannot decode JSONAny"_s);
     return {};
 }
 
@@ -86,7 +87,7 @@ void encodeValue(const QVariant& value, const JSONEncoder& place, const JSONEnco
         if (value.typeId() == qMetaTypeId<JSONNull>())
             return place.writeNull();
     }
-    container.fail(value, QStringLiteral("Cannot encode JSONAny"));
+    container.fail(value, u"Cannot encode JSONAny"_s);
 }
 
 } // namespace

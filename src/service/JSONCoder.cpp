@@ -28,8 +28,8 @@ bool withinLimits(std::string_view text)
             break;
         case '[':
         case '{':
-            ++values; // the first one inside
-            if (++depth > nestingLimit)
+            // The first value inside counts, too.
+            if (++values > valueLimit || ++depth > nestingLimit)
                 return false;
             break;
         case ']':
@@ -37,13 +37,14 @@ bool withinLimits(std::string_view text)
             --depth;
             break;
         case ',':
-            ++values;
+            if (++values > valueLimit)
+                return false;
             break;
         default:
             break;
         }
     }
-    return values <= valueLimit;
+    return true;
 }
 
 } // namespace
@@ -103,7 +104,8 @@ void JSONEncoder::fail(const QVariant& value, const QString& description) const
 
 std::optional<nlohmann::json> parseJson(std::string_view text)
 {
-    if (!withinLimits(text))
+    // The parser would take a NUL for the end, whatever follows.
+    if (text.find('\0') != std::string_view::npos || !withinLimits(text))
         return std::nullopt;
     auto document = nlohmann::json::parse(text, nullptr, false);
     if (document.is_discarded())

@@ -1,7 +1,11 @@
 #include "service/JSONCoding.h"
 
+#include "service/TextFromUtf8.h"
+
 #include <cmath>
 #include <limits>
+
+using namespace Qt::StringLiterals;
 
 std::optional<qint64> exactInteger(const nlohmann::json& value)
 {
@@ -25,25 +29,23 @@ qint64 JSONCoding<qint64>::decode(const JSONDecoder& decoder)
 {
     const auto integer = exactInteger(decoder.value());
     if (!integer)
-        decoder.failForKind(QStringLiteral("an integer"));
+        decoder.failForKind(u"an integer"_s);
     return integer.value_or(0);
 }
 
 QString JSONCoding<QString>::decode(const JSONDecoder& decoder)
 {
     if (!decoder.value().is_string()) {
-        decoder.failForKind(QStringLiteral("a string"));
+        decoder.failForKind(u"a string"_s);
         return {};
     }
-    return QString::fromStdString(decoder.value().get_ref<const std::string&>());
+    return textFromUtf8(decoder.value().get_ref<const std::string&>());
 }
 
 JSONNull JSONCoding<JSONNull>::decode(const JSONDecoder& decoder)
 {
     if (!decoder.value().is_null()) {
-        decoder.fail(CodingError::Kind::TypeMismatch,
-            QStringLiteral("JSONNull"),
-            QStringLiteral("Wrong type for JSONNull"));
+        decoder.fail(CodingError::Kind::TypeMismatch, u"JSONNull"_s, u"Wrong type for JSONNull"_s);
     }
     return {};
 }

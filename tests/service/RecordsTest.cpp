@@ -22,193 +22,119 @@ const QByteArray video =
 const QByteArray heartbeat =
     R"({"status":-1,"info":"","data":{"ct":9223372036854775807,)"
     R"("time":{"st":1,"vt":[2,3],"tt":4},)"
-    R"("msg":{"msg_bottom":{"msgid":1,"msg":"m","url":"u","color":"c","back":0},)"
-    R"("msg_top":{"msgid":2,"tittle":"t","url":"u",)"
-    R"("color":{"show":"a","hover":"b","click":"c"},)"
-    R"("point":1,"type":2,"back":3,"width":4,"height":5}},)"
-    R"("upgrade":[true,1,1.5,"x",null,{"a":[]}],"speedlimit":6}})";
+    R"("msg":{"msg_bottom":{"msgid":5,"msg":"m","url":"u","color":"c","back":6},)"
+    R"("msg_top":{"msgid":7,"tittle":"t","url":"v",)"
+    R"("color":{"show":"a","hover":"b","click":"d"},)"
+    R"("point":8,"type":9,"back":10,"width":11,"height":12}},)"
+    R"("upgrade":[true,1,1.5,"x",null,{"a":[]}],"speedlimit":13}})";
 
-QByteArray reply(const QByteArray& data)
-{
-    return R"({"status":1,"info":"ok","data":)" + data + '}';
-}
-
-/// Decodes and encodes again; the reason where it does not decode.
+/// Decodes and encodes again; the reason and the path where it does not decode.
 template <typename Record>
 QByteArray roundTrip(const QByteArray& json)
 {
     const auto decoded = decodeJson<Record>(nlohmann::json::parse(json.toStdString()));
-    if (const auto* error = std::get_if<CodingError>(&decoded))
-        return error->debugDescription.toUtf8();
+    if (const auto* const error = std::get_if<CodingError>(&decoded)) {
+        const auto* const kinds = "TNKI"; // type, null, key, invalid
+        QByteArray reason(1, kinds[static_cast<int>(error->kind)]);
+        for (const auto& key : error->codingPath)
+            reason += ' ' + key.stringValue().toUtf8();
+        return reason;
+    }
     return std::get<QByteArray>(encodeJson(std::get<Record>(decoded)));
 }
 
+using RoundTrip = QByteArray (*)(const QByteArray& json);
+
 } // namespace
+
+Q_DECLARE_METATYPE(RoundTrip)
 
 class RecordsTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    /// The values differ, so that members that are mixed up are seen.
+    void record_isDecodedAndEncodedInItsOrder_data()
+    {
+        QTest::addColumn<RoundTrip>("roundTrip");
+        QTest::addColumn<QByteArray>("json");
+        const auto row = [](const char* name, RoundTrip trip, const QByteArray& json) {
+            QTest::newRow(name) << trip << json;
+        };
+        const auto reply = [](const QByteArray& data) {
+            return R"({"status":1,"info":"ok","data":)" + data + '}';
+        };
+        row("catalogue",
+            roundTrip<BaseInfoResponse>,
+            reply(R"({"cate":[{"id":1,"title":"t"}],"hottags":["a"],"hotkey":[]})"));
+        row("video", roundTrip<VideoDetailResponse>, reply(video));
+        row("list",
+            roundTrip<VideoListResponse>,
+            reply(R"({"pages":1,"page":2,"total":3,"count":4,"vlist":[)" + video + "]}"));
+        row("words", roundTrip<KeywordResponse>, reply(R"(["a","b"])"));
+        row("heartbeat", roundTrip<HeartbeatResponse>, heartbeat);
+        row("guide",
+            roundTrip<GuideResponse>,
+            reply(R"({"leftPanel":["a"],"leftPanelUrl":["b"],"window":["c"],"windowUrl":["d"],)"
+                  R"("browser":["e"],"browserUrl":["f"],"newFeature":["g"],)"
+                  R"("newFeatureUrl":["h"]})"));
+        row("request",
+            roundTrip<VideoListRequest>,
+            R"({"ui":"u","cate":1,"page":2,"keywords":"k","sort":3,"author":"a"})");
+        row("offer", roundTrip<UpgradeInfo>, R"({"url":"u","md5":"m","ver":"2","exp":"e"})");
+    }
+
     void record_isDecodedAndEncodedInItsOrder()
     {
-        const auto info = reply(R"({"cate":[{"id":1,"title":"t"}],"hottags":["a"],"hotkey":[]})");
-        const auto list =
-            reply(R"({"pages":1,"page":2,"total":3,"count":4,"vlist":[)" + video + "]}");
-        const auto words = reply(R"(["a","b"])");
-        const auto guide = reply(R"({"leftPanel":["a"],"leftPanelUrl":["b"],"window":[],)"
-                                 R"("windowUrl":[],"browser":[],"browserUrl":[],)"
-                                 R"("newFeature":["c"],"newFeatureUrl":["d"]})");
-        const QByteArray request =
-            R"({"ui":"u","cate":1,"page":2,"keywords":"k","sort":3,"author":"a"})";
-        const QByteArray offer = R"({"url":"u","md5":"m","ver":"2","exp":"e"})";
+        QFETCH(RoundTrip, roundTrip);
+        QFETCH(QByteArray, json);
 
-        QCOMPARE(roundTrip<BaseInfoResponse>(info), info);
-        QCOMPARE(roundTrip<VideoDetailResponse>(reply(video)), reply(video));
-        QCOMPARE(roundTrip<VideoListResponse>(list), list);
-        QCOMPARE(roundTrip<KeywordResponse>(words), words);
-        QCOMPARE(roundTrip<HeartbeatResponse>(heartbeat), heartbeat);
-        QCOMPARE(roundTrip<GuideResponse>(guide), guide);
-        QCOMPARE(roundTrip<VideoListRequest>(request), request);
-        QCOMPARE(roundTrip<UpgradeInfo>(offer), offer);
-    }
-
-    void members_landWhereTheyBelong()
-    {
-        const auto decoded = decodeReply<HeartbeatResponse>(heartbeat).value();
-
-        QCOMPARE(decoded.status, -1);
-        QCOMPARE(decoded.data.time.vt, (std::vector<qint64>{2, 3}));
-        QCOMPARE(decoded.data.msg.msgBottom.color, QStringLiteral("c"));
-        QCOMPARE(decoded.data.msg.msgTop.tittle, QStringLiteral("t"));
-        QCOMPARE(decoded.data.msg.msgTop.color.hover, QStringLiteral("b"));
-        QCOMPARE(decoded.data.upgrade.size(), std::size_t{6});
-    }
-
-    void unknownKeys_areIgnored()
-    {
-        const auto json = QByteArray(video).insert(1, R"("new":{"a":[1]},)");
-
-        QCOMPARE(roundTrip<VideoDetail>(json), video);
+        QCOMPARE(roundTrip(json), json);
+        QCOMPARE(roundTrip(QByteArray(json).insert(1, R"("unknown":{"a":[1]},)")), json);
     }
 
     void anythingMissingOrOfAnotherType_failsTheWholeReply_data()
     {
         QTest::addColumn<QByteArray>("part");
         QTest::addColumn<QByteArray>("replacement");
-        QTest::addColumn<CodingError::Kind>("kind");
-        QTest::addColumn<QString>("path");
-
-        using Kind = CodingError::Kind;
-        const auto row =
-            [](const char* name, const char* part, const char* other, Kind kind, const char* path) {
-                QTest::newRow(name)
-                    << QByteArray(part) << QByteArray(other) << kind << QString::fromLatin1(path);
-            };
-        row("no status", R"("status":-1,)", "", Kind::KeyNotFound, "");
-        row("the member's name instead of its key",
-            "msg_bottom",
-            "msgBottom",
-            Kind::KeyNotFound,
-            "data.msg");
-        row("the spelling corrected", "tittle", "title", Kind::KeyNotFound, "data.msg.msg_top");
-        row("a text for an integer",
-            R"("speedlimit":6)",
-            R"("speedlimit":"6")",
-            Kind::TypeMismatch,
-            "data.speedlimit");
-        row("a fraction for an integer",
-            R"("st":1)",
-            R"("st":1.5)",
-            Kind::TypeMismatch,
-            "data.time.st");
-        row("a boolean for an integer",
-            R"("st":1)",
-            R"("st":true)",
-            Kind::TypeMismatch,
-            "data.time.st");
-        row("an integer beyond 64 bits",
-            "9223372036854775807",
-            "9223372036854775808",
-            Kind::TypeMismatch,
-            "data.ct");
-        row("an integer for a text", R"("info":"")", R"("info":0)", Kind::TypeMismatch, "info");
-        row("null for a text", R"("info":"")", R"("info":null)", Kind::ValueNotFound, "info");
-        row("an object for the plain colour",
-            R"("color":"c")",
-            R"("color":{"show":"a","hover":"b","click":"c"})",
-            Kind::TypeMismatch,
-            "data.msg.msg_bottom.color");
-        row("a text for the colours",
-            R"({"show":"a","hover":"b","click":"c"})",
-            R"("c")",
-            Kind::TypeMismatch,
-            "data.msg.msg_top.color");
-        row("one bad element of an array",
-            "[2,3]",
-            R"([2,"3"])",
-            Kind::TypeMismatch,
-            "data.time.vt.Index 1");
-        row("an object for an array", "[2,3]", "{}", Kind::TypeMismatch, "data.time.vt");
+        QTest::addColumn<QByteArray>("reason");
+        const auto row = [](const char* part, const char* replacement, const char* reason) {
+            QTest::newRow(replacement)
+                << QByteArray(part) << QByteArray(replacement) << QByteArray(reason);
+        };
+        row(R"("status":-1,)", "", "K");
+        row("msg_bottom", "msgBottom", "K data msg");
+        row("tittle", "title", "K data msg msg_top");
+        row(R"("speedlimit":13)", R"("speedlimit":"13")", "T data speedlimit");
+        row(R"("st":1)", R"("st":1.5)", "T data time st");
+        row(R"("st":1)", R"("st":true)", "T data time st");
+        row("9223372036854775807", "9223372036854775808", "T data ct");
+        row(R"("info":"")", R"("info":0)", "T info");
+        row(R"("info":"")", R"("info":null)", "N info");
+        row(R"("color":"c")", R"("color":{})", "T data msg msg_bottom color");
+        row(R"({"show":"a","hover":"b","click":"d"})", "\"c\"", "T data msg msg_top color");
+        row("[2,3]", R"([2,"3"])", "T data time vt Index 1");
+        row("[2,3]", "{}", "T data time vt");
     }
 
     void anythingMissingOrOfAnotherType_failsTheWholeReply()
     {
         QFETCH(QByteArray, part);
         QFETCH(QByteArray, replacement);
-        QFETCH(CodingError::Kind, kind);
-        QFETCH(QString, path);
+        QFETCH(QByteArray, reason);
         QVERIFY(heartbeat.contains(part));
+
         const auto json = QByteArray(heartbeat).replace(part, replacement);
 
-        const auto decoded =
-            decodeJson<HeartbeatResponse>(nlohmann::json::parse(json.toStdString()));
-
-        const auto* const error = std::get_if<CodingError>(&decoded);
-        QVERIFY(error);
-        QCOMPARE(error->kind, kind);
-        QStringList keys;
-        for (const auto& key : error->codingPath)
-            keys << key.stringValue();
-        QCOMPARE(keys.join(u'.'), path);
+        QCOMPARE(roundTrip<HeartbeatResponse>(json), reason);
         QVERIFY(!decodeReply<HeartbeatResponse>(json));
     }
 
-    void integerWithAPoint_isAnInteger()
+    void text_keepsWhateverCharacterItStartsWith()
     {
-        const auto json = QByteArray(heartbeat).replace("\"st\":1", "\"st\":1.0");
+        const auto json = QByteArray(heartbeat).replace("\"m\"", "\"\ufeffm\"");
 
-        QCOMPARE(decodeReply<HeartbeatResponse>(json).value().data.time.st, 1);
-    }
-
-    void offerFromADictionary_isLenient_data()
-    {
-        QTest::addColumn<QByteArray>("json");
-        QTest::addColumn<QStringList>("members"); // empty for no offer
-
-        QTest::newRow("complete") << QByteArray(R"({"url":"u","md5":"m","ver":"2","exp":"e"})")
-                                  << QStringList{QStringLiteral("u"),
-                                         QStringLiteral("m"),
-                                         QStringLiteral("2"),
-                                         QStringLiteral("e")};
-        QTest::newRow("an address alone")
-            << QByteArray(R"({"url":"u"})") << QStringList{QStringLiteral("u"), {}, {}, {}};
-        QTest::newRow("an address that is a number")
-            << QByteArray(R"({"url":3,"ver":null})") << QStringList{{}, {}, {}, {}};
-        QTest::newRow("no address") << QByteArray(R"({"ver":"2"})") << QStringList();
-    }
-
-    void offerFromADictionary_isLenient()
-    {
-        QFETCH(QByteArray, json);
-        QFETCH(QStringList, members);
-
-        const auto offer =
-            UpgradeInfo::fromDictionary(decodeReply<JSONAny>(json).value().value().toMap());
-
-        QCOMPARE(offer.has_value(), !members.isEmpty());
-        if (offer)
-            QCOMPARE((QStringList{offer->url, offer->md5, offer->ver, offer->exp}), members);
-        QVERIFY(!UpgradeInfo::fromDictionary(std::nullopt));
+        QCOMPARE(roundTrip<HeartbeatResponse>(json), json);
     }
 };
 
