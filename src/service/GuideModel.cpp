@@ -10,11 +10,12 @@ namespace {
 
 constexpr auto pixelMemoryLimit = qint64{64} * 1024 * 1024;
 
-/// A data URL has its data behind the comma.
-QByteArray lastPiece(const QString& text)
+/// A data URL has its data behind the comma. Looked for from the end: a text may be all commas.
+QByteArray lastPiece(QStringView text)
 {
-    const auto pieces = QStringView(text).split(u',', Qt::SkipEmptyParts);
-    return pieces.isEmpty() ? QByteArray() : pieces.constLast().toUtf8();
+    while (text.endsWith(u','))
+        text.chop(1);
+    return text.sliced(text.lastIndexOf(u',') + 1).toUtf8();
 }
 
 class PictureLoader {
@@ -25,16 +26,15 @@ public:
         GuideModel::Links links;
         const auto count = std::min(pictures.size(), addresses.size());
         for (std::size_t i = 0; i < count; ++i) {
-            const auto data = Base64::decode(lastPiece(pictures[i]));
-            if (!data)
-                continue;
-            auto picture = decode(*data);
-            if (!picture)
-                continue;
+            // First, so that no picture is unpacked in vain.
             const QUrl url(addresses[i], QUrl::StrictMode);
             if (!url.isValid())
                 continue;
-            links.emplace(std::move(picture), url);
+            const auto data = Base64::decode(lastPiece(pictures[i]));
+            if (!data)
+                continue;
+            if (auto picture = decode(*data))
+                links.emplace(std::move(picture), url);
         }
         return links;
     }

@@ -15,7 +15,8 @@
 /// A pair is left out when its picture is not strict base64 of a file that `decodePicture` reads or
 /// its address is not a valid URL. All pictures together take up at most 64 MiB as pixels, by the
 /// sizes that they claim, damaged ones too; those that would exceed what is left of it are left out
-/// before they are unpacked. That bounds the memory, and the time to some tenths of a second.
+/// before they are unpacked. That bounds the memory, and the time to some tenths of a second, so
+/// it is made on another thread than the main one.
 class GuideModel {
 public:
     /// Shared, so that whoever shows a picture keeps it beyond its model. Pictures are told apart
