@@ -5,12 +5,11 @@
 #include <QFile>
 #include <QNetworkReply>
 #include <QNetworkRequest>
+#include <QSslConfiguration>
 
-#include <chrono>
+using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr std::chrono::milliseconds timeout{2000};
 
 QSslConfiguration trustedConfiguration()
 {
@@ -36,22 +35,33 @@ QByteArray formEncoded(const SessionManager::Parameters& parameters)
 } // namespace
 
 SessionManager::SessionManager(const QString& agent)
-    : m_agent(agent.toUtf8()), m_tls(trustedConfiguration())
+    : m_agent(agent.toUtf8()), m_network(new QNetworkAccessManager)
 {
-    m_network.setTransferTimeout(static_cast<int>(timeout.count()));
-    m_network.setRedirectPolicy(QNetworkRequest::ManualRedirectPolicy);
+    m_thread.setObjectName(u"service"_s);
+    m_network->moveToThread(&m_thread);
+    QObject::connect(&m_thread, &QThread::finished, m_network, &QObject::deleteLater);
+    m_thread.start();
 }
 
-void SessionManager::post(const QUrl& url, const Parameters& parameters, Completion completion)
+SessionManager::~SessionManager()
+{
+    m_thread.quit();
+    m_thread.wait();
+}
+
+void SessionManager::send(const QUrl& url, const Parameters& parameters, Receiver receiver)
 {
     QNetworkRequest request(url);
-    request.setSslConfiguration(m_tls);
     // One request at a time gains nothing by it, and Qt's takes whatever headers it is flooded
     // with.
     request.setAttribute(QNetworkRequest::Http2AllowedAttribute, false);
     request.setHeader(QNetworkRequest::UserAgentHeader, m_agent);
-    request.setHeader(QNetworkRequest::ContentTypeHeader,
-        QByteArrayLiteral("application/x-www-form-urlencoded; charset=utf-8"));
-    auto* const reply = m_network.post(request, formEncoded(parameters));
-    new ReplyReader(*reply, std::move(completion)); // owned by the reply
+    request.setHeader(
+        QNetworkRequest::ContentTypeHeader, "application/x-www-form-urlencoded; charset=utf-8"_ba);
+    QMetaObject::invokeMethod(m_network,
+        [this, request, form = formEncoded(parameters), receiver = std::move(receiver)]() mutable {
+            request.setSslConfiguration(trustedConfiguration());
+            auto* const reply = m_network->post(request, form);
+            new ReplyReader(*reply, std::move(receiver)); // owned by the reply
+        });
 }

@@ -14,6 +14,7 @@
 #include <utility>
 
 using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -28,6 +29,12 @@ qint64 standardDefaultsInteger(const QString& key)
     return defaults ? defaults->integer(key) : 0;
 }
 
+std::optional<GuideModel> decodeGuide(const QByteArray& text)
+{
+    auto response = decodeReply<GuideResponse>(text);
+    return response ? std::optional<GuideModel>(std::move(*response)) : std::nullopt;
+}
+
 std::optional<QVariantMap> dictionary(const QVariant& value)
 {
     if (value.typeId() != QMetaType::QVariantMap)
@@ -35,13 +42,19 @@ std::optional<QVariantMap> dictionary(const QVariant& value)
     return value.toMap();
 }
 
+std::optional<UpgradeInfo> decodeOffer(const QByteArray& text)
+{
+    const auto any = decodeReply<JSONAny>(text);
+    const auto reply = any ? dictionary(any->value()) : std::nullopt;
+    return reply ? UpgradeInfo::fromDictionary(dictionary(reply->value(u"data"_s))) : std::nullopt;
+}
+
 } // namespace
 
 WebModel& WebModel::shared()
 {
-    static WebModel model({AppInfo::shared().version(),
-                              groupPreferences(),
-                              standardDefaultsInteger(QStringLiteral("ct"))},
+    static WebModel model(
+        {AppInfo::shared().version(), groupPreferences(), standardDefaultsInteger(u"ct"_s)},
         ::serviceOrigin(qgetenv("TAVELOR_SERVICE_URL")),
         NotificationCenter::defaultCenter(),
         QRandomGenerator::system()->generate());
@@ -57,7 +70,7 @@ WebModel::WebModel(
       m_notifications(notifications),
       m_schedule(draw)
 {
-    m_serviceEndpoint.setPath(QStringLiteral("/litecount.html"));
+    m_serviceEndpoint.setPath(u"/litecount.html"_s);
     QTimer::singleShot(2s, Qt::PreciseTimer, this, &WebModel::refreshGudieInfo);
     connect(&m_midnightTimer, &WallClockTimer::fired, this, &WebModel::midnightRefresh);
     connect(&m_midnightTimer, &WallClockTimer::clockDidChange, this, &WebModel::waitForMidnight);
@@ -68,7 +81,7 @@ const QString& WebModel::uuid()
 {
     if (m_uuid)
         return *m_uuid;
-    const auto key = QStringLiteral("uuid");
+    const auto key = u"uuid"_s;
     m_group.synchronize(); // the companion may just have stored one
     m_uuid = m_group.string(key);
     if (!m_uuid) {
@@ -80,6 +93,26 @@ const QString& WebModel::uuid()
     return *m_uuid;
 }
 
+template <typename Content, typename Completion>
+void WebModel::send(Function function,
+    const QByteArray& body,
+    std::optional<Content> (*decode)(const QByteArray& text),
+    Completion completion)
+{
+    const auto sealed = Envelope::sealBody(body);
+    if (!sealed)
+        return;
+    sessionManager().post(
+        m_serviceEndpoint,
+        {{u"f"_s, QString::number(static_cast<int>(function))},
+            {u"i"_s, QString::fromLatin1(*sealed)}},
+        [decode](const SessionManager::Reply& reply) {
+            const auto text = reply ? Envelope::openBody(*reply) : std::nullopt;
+            return text ? Answer<Content>{true, decode(*text)} : Answer<Content>{};
+        },
+        std::move(completion));
+}
+
 void WebModel::refreshGudieInfo()
 {
     requestGuide();
@@ -87,19 +120,12 @@ void WebModel::refreshGudieInfo()
 
 void WebModel::requestGuide()
 {
-    send(Function::Guide, identification(), [this](const auto& text) { receiveGuide(text); });
-}
-
-void WebModel::receiveGuide(const std::optional<QByteArray>& text)
-{
-    m_guideModel.reset();
-    if (text) {
-        if (auto response = decodeReply<GuideResponse>(*text))
-            m_guideModel.emplace(std::move(*response));
-    }
-    m_notifications.post(QStringLiteral("NewFeatureUpdated"));
-    m_notifications.post(QStringLiteral("leafletUpdated"),
-        m_guideModel ? QVariant::fromValue(m_guideModel->leftPanel()) : QVariant());
+    send(Function::Guide, identification(), decodeGuide, [this](Answer<GuideModel> answer) {
+        m_guideModel = std::move(answer.content);
+        m_notifications.post(u"NewFeatureUpdated"_s);
+        m_notifications.post(u"leafletUpdated"_s,
+            m_guideModel ? QVariant::fromValue(m_guideModel->leftPanel()) : QVariant());
+    });
 }
 
 void WebModel::waitForMidnight()
@@ -110,7 +136,7 @@ void WebModel::waitForMidnight()
 
 void WebModel::midnightRefresh()
 {
-    sendHeartbeat(HeartBeatType::MidNight, QStringLiteral("1000"), nullptr);
+    sendHeartbeat(HeartBeatType::MidNight, u"1000"_s, nullptr);
     m_schedule.markReported(QDateTime::currentDateTime());
     waitForMidnight();
 }
@@ -123,47 +149,27 @@ void WebModel::sendHeartbeat(HeartBeatType type, const QString& n, HeartbeatComp
                       QByteArray::number(m_ct) + R"(","v":")" + m_version.toUtf8() +
                       R"(","type":")" + QByteArray::number(static_cast<int>(type)) +
                       R"(","ismac":"1"})";
-    send(Function::Heartbeat, body, [this, completion = std::move(completion)](const auto& text) {
-        if (!text) {
+    send(Function::Heartbeat,
+        body,
+        decodeReply<HeartbeatResponse>,
+        [this, completion = std::move(completion)](Answer<HeartbeatResponse> answer) {
+            if (answer.hasArrived)
+                m_heartbeatResponse = answer.content;
             if (completion)
-                completion(std::nullopt);
-            return;
-        }
-        m_heartbeatResponse = decodeReply<HeartbeatResponse>(*text);
-        if (completion)
-            completion(m_heartbeatResponse);
-        m_notifications.post(QStringLiteral("HeartbeatUpdated"));
-    });
+                completion(answer.content);
+            if (answer.hasArrived)
+                m_notifications.post(u"HeartbeatUpdated"_s);
+        });
 }
 
 void WebModel::checkUpgrade(UpgradeCompletion completion)
 {
     send(Function::Upgrade,
         identification(),
-        [completion = std::move(completion)](const auto& text) {
-            if (!completion)
-                return;
-            std::optional<QVariantMap> reply;
-            if (text) {
-                if (const auto any = decodeReply<JSONAny>(*text))
-                    reply = dictionary(any->value());
-            }
-            completion(reply ? UpgradeInfo::fromDictionary(
-                                   dictionary(reply->value(QStringLiteral("data"))))
-                             : std::nullopt);
-        });
-}
-
-void WebModel::send(Function function, const QByteArray& body, TextCompletion completion)
-{
-    const auto sealed = Envelope::sealBody(body);
-    if (!sealed)
-        return;
-    sessionManager().post(m_serviceEndpoint,
-        {{QStringLiteral("f"), QString::number(static_cast<int>(function))},
-            {QStringLiteral("i"), QString::fromLatin1(*sealed)}},
-        [completion = std::move(completion)](const std::optional<QByteArray>& reply) {
-            completion(reply ? Envelope::openBody(*reply) : std::nullopt);
+        decodeOffer,
+        [completion = std::move(completion)](const Answer<UpgradeInfo>& answer) {
+            if (completion)
+                completion(answer.content);
         });
 }
 
@@ -175,6 +181,6 @@ QByteArray WebModel::identification()
 SessionManager& WebModel::sessionManager()
 {
     if (!m_sessionManager)
-        m_sessionManager.emplace(QStringLiteral("MACTavelorLite") + m_version);
+        m_sessionManager.emplace(u"MACTavelorLite"_s + m_version);
     return *m_sessionManager;
 }

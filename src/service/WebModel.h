@@ -77,12 +77,20 @@ public Q_SLOTS:
 
 private:
     enum class Function : int { Heartbeat = 21, Upgrade = 24, Guide = 214 };
-    using TextCompletion = std::function<void(const std::optional<QByteArray>& text)>;
+    template <typename Content>
+    struct Answer {
+        bool hasArrived = false; // and was deciphered
+        std::optional<Content> content = {};
+    };
 
-    /// Sends a UTF-8 text in the envelope. The completion gets the text of the reply, or none.
-    void send(Function function, const QByteArray& body, TextCompletion completion);
+    /// Sends a UTF-8 text in the envelope. The text of the reply is decoded on another thread; the
+    /// completion gets the `Answer<Content>` on the main one.
+    template <typename Content, typename Completion>
+    void send(Function function,
+        const QByteArray& body,
+        std::optional<Content> (*decode)(const QByteArray& text),
+        Completion completion);
     void requestGuide();
-    void receiveGuide(const std::optional<QByteArray>& text);
     void waitForMidnight();
     QByteArray identification();
     SessionManager& sessionManager();

@@ -3,13 +3,12 @@
 #include "service/StandInService.h"
 
 #include <QString>
-#include <QStringList>
 
-/// Ways in which a service can be slow, silent, wrong or hostile.
+#include <map>
+
+/// Ways in which a service can keep its client waiting.
 namespace Misbehaviour {
 
-QStringList names();
-/// Of `names()`.
-StandInService::Behaviour named(const QString& name);
+const std::map<QString, StandInService::Behaviour>& byName();
 
 } // namespace Misbehaviour

@@ -3,94 +3,50 @@
 #include <QProcess>
 #include <QStringList>
 
-#include <optional>
+using namespace Qt::StringLiterals;
 
 namespace {
 
-/// None when it refuses.
-std::optional<QByteArray> tryOpenssl(const QStringList& arguments, const QByteArray& input)
+/// Empty where it refuses.
+QByteArray openssl(const QString& arguments, const QByteArray& input = {})
 {
     QProcess process;
-    process.start(QStringLiteral("openssl"), arguments);
+    process.start(u"openssl"_s, QProcess::splitCommand(arguments));
     process.write(input);
     process.closeWriteChannel();
-    if (!process.waitForFinished() || process.exitCode() != 0)
-        return std::nullopt;
-    return process.readAllStandardOutput();
+    return process.waitForFinished() && process.exitCode() == 0 ? process.readAllStandardOutput()
+                                                                : QByteArray();
 }
 
-QByteArray openssl(const QStringList& arguments, const QByteArray& input = {})
+QByteArray cipher(const QByteArray& text, const QString& more)
 {
-    const auto output = tryOpenssl(arguments, input);
-    if (!output)
-        qFatal("openssl %s fails", qUtf8Printable(arguments.first()));
-    return *output;
-}
-
-QStringList cipherArguments(const QByteArray& key = "Pq7Rt2VbXn4LmZ8c")
-{
-    return {QStringLiteral("enc"),
-        QStringLiteral("-aes-128-cbc"),
-        QStringLiteral("-K"),
-        QString::fromLatin1(key.toHex()),
-        QStringLiteral("-iv"),
-        QString::fromLatin1(QByteArray("h5Jd9KsWf3TaYe6u").toHex()),
-        QStringLiteral("-a"),
-        QStringLiteral("-A")};
+    const auto hex = [](const QByteArray& bytes) { return QString::fromLatin1(bytes.toHex()); };
+    return openssl(u"enc -aes-128-cbc -K %1 -iv %2 -a -A "_s.arg(
+                       hex("Pq7Rt2VbXn4LmZ8c"), hex("h5Jd9KsWf3TaYe6u")) +
+                       more,
+        text);
 }
 
 } // namespace
 
 QByteArray OpenSsl::encipher(const QByteArray& text)
 {
-    return openssl(cipherArguments(), text);
-}
-
-QByteArray OpenSsl::encipherWithAnotherKey(const QByteArray& text)
-{
-    return openssl(cipherArguments("another key of16"), text);
+    return cipher(text, {});
 }
 
 QByteArray OpenSsl::encipherUnpadded(const QByteArray& text)
 {
-    return openssl(cipherArguments() << QStringLiteral("-nopad"), text);
+    return cipher(text, u"-nopad"_s);
 }
 
 QByteArray OpenSsl::decipher(const QByteArray& text)
 {
-    return tryOpenssl(cipherArguments() << QStringLiteral("-d"), text).value_or(QByteArray());
+    return cipher(text, u"-d"_s);
 }
 
-void OpenSsl::makeCertificate(const QString& directory, Certificate kind)
+void OpenSsl::makeCertificate(const QString& directory, const QString& host)
 {
-    const auto key = directory + QStringLiteral("/key.pem");
-    const auto request = directory + QStringLiteral("/request.pem");
-    const auto names = kind == Certificate::OfAnotherHost
-                           ? QStringLiteral("DNS:elsewhere.example")
-                           : QStringLiteral("DNS:localhost,IP:127.0.0.1");
-    openssl({QStringLiteral("req"),
-        QStringLiteral("-new"),
-        QStringLiteral("-newkey"),
-        QStringLiteral("rsa:2048"),
-        QStringLiteral("-nodes"),
-        QStringLiteral("-keyout"),
-        key,
-        QStringLiteral("-out"),
-        request,
-        QStringLiteral("-subj"),
-        QStringLiteral("/CN=TavelorHelper stand-in"),
-        QStringLiteral("-addext"),
-        QStringLiteral("subjectAltName=") + names});
-    openssl({QStringLiteral("x509"),
-        QStringLiteral("-req"),
-        QStringLiteral("-in"),
-        request,
-        QStringLiteral("-signkey"),
-        key,
-        QStringLiteral("-copy_extensions"),
-        QStringLiteral("copyall"),
-        QStringLiteral("-days"),
-        kind == Certificate::Expired ? QStringLiteral("-1") : QStringLiteral("30"),
-        QStringLiteral("-out"),
-        directory + QStringLiteral("/certificate.pem")});
+    openssl(u"req -x509 -newkey rsa:2048 -nodes -days 30 -subj /CN=stand-in "
+            "-addext subjectAltName=IP:%1 -keyout \"%2/key.pem\" -out \"%2/certificate.pem\""_s.arg(
+                host, directory));
 }

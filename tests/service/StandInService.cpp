@@ -12,6 +12,8 @@
 #include <iterator>
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 QByteArray fileContents(const QString& path)
@@ -58,9 +60,9 @@ StandInService::StandInService(const QString& certificateDirectory, quint16 port
 {
     QSslConfiguration configuration;
     configuration.setLocalCertificate(
-        QSslCertificate(fileContents(certificateDirectory + QStringLiteral("/certificate.pem"))));
+        QSslCertificate(fileContents(certificateDirectory + u"/certificate.pem"_s)));
     configuration.setPrivateKey(
-        QSslKey(fileContents(certificateDirectory + QStringLiteral("/key.pem")), QSsl::Rsa));
+        QSslKey(fileContents(certificateDirectory + u"/key.pem"_s), QSsl::Rsa));
     m_server.setSslConfiguration(configuration);
     connect(&m_server, &QTcpServer::pendingConnectionAvailable, this, &StandInService::accept);
     if (!m_server.listen(QHostAddress::LocalHost, port))
@@ -69,7 +71,7 @@ StandInService::StandInService(const QString& certificateDirectory, quint16 port
 
 QString StandInService::origin() const
 {
-    return QStringLiteral("https://127.0.0.1:%1").arg(m_server.serverPort());
+    return u"https://127.0.0.1:%1"_s.arg(m_server.serverPort());
 }
 
 std::vector<ServiceRequest> StandInService::requests(int function) const
@@ -98,6 +100,13 @@ QByteArray StandInService::answer(int function) const
 void StandInService::replyProperly(QSslSocket& socket, const ServiceRequest& request) const
 {
     reply(socket, OpenSsl::encipher(answer(request.function)));
+}
+
+StandInService::Behaviour StandInService::answering(const QByteArray& text)
+{
+    return [body = OpenSsl::encipher(text)](const StandInService&,
+               QSslSocket& socket,
+               const ServiceRequest&) { reply(socket, body); };
 }
 
 void StandInService::reply(

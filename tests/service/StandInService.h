@@ -48,6 +48,8 @@ public:
     QByteArray answer(int function) const;
     /// That answer, as it has to be.
     void replyProperly(QSslSocket& socket, const ServiceRequest& request) const;
+    /// Answers everything with this text, enciphered.
+    static Behaviour answering(const QByteArray& text);
     /// Sends `body` as an HTTP reply and closes.
     static void reply(QSslSocket& socket,
         const QByteArray& body,

@@ -9,34 +9,35 @@
 
 #include <cstdio>
 
+using namespace Qt::StringLiterals;
+
 /// The service for people who want to see what the helper says, or to try an offer.
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
+    QStringList ways;
+    for (const auto& [name, way] : Misbehaviour::byName())
+        ways << name;
     QCommandLineParser parser;
     parser.setApplicationDescription(
-        QStringLiteral("Stands in for the service on loopback, and prints what it is asked.\n"
-                       "Ways to misbehave: %1.")
-            .arg(Misbehaviour::names().join(QStringLiteral(", "))));
+        u"Stands in for the service on loopback, and prints what it is asked.\n"
+        "Ways to misbehave: %1."_s.arg(ways.join(u", "_s)));
     parser.addHelpOption();
-    const QCommandLineOption port(QStringLiteral("port"),
-        QStringLiteral("Listen here."),
-        QStringLiteral("N"),
-        QStringLiteral("0"));
-    const QCommandLineOption directory(QStringLiteral("certificate"),
-        QStringLiteral("Directory of certificate.pem and key.pem; they are made if missing."),
-        QStringLiteral("DIRECTORY"),
-        QDir::tempPath() + QStringLiteral("/tavelor-stand-in"));
-    const QCommandLineOption offer(
-        QStringLiteral("offer"), QStringLiteral("Offer this version."), QStringLiteral("VERSION"));
-    const QCommandLineOption misbehave(QStringLiteral("misbehave"),
-        QStringLiteral("Do this instead of answering."),
-        QStringLiteral("WAY"));
-    parser.addOptions({port, directory, offer, misbehave});
+    const QCommandLineOption port(u"port"_s, u"Listen here."_s, u"N"_s, u"0"_s);
+    const QCommandLineOption directory(u"certificate"_s,
+        u"Directory of certificate.pem and key.pem; they are made if missing."_s,
+        u"DIRECTORY"_s,
+        QDir::tempPath() + u"/tavelor-stand-in"_s);
+    const QCommandLineOption offer(u"offer"_s, u"Offer this version."_s, u"VERSION"_s);
+    const QCommandLineOption misbehave(
+        u"misbehave"_s, u"Do this instead of answering."_s, u"WAY"_s);
+    const QCommandLineOption answer(
+        u"answer"_s, u"Answer everything with the text in this file."_s, u"FILE"_s);
+    parser.addOptions({port, directory, offer, misbehave, answer});
     parser.process(application);
 
     const auto certificates = parser.value(directory);
-    if (!QFile::exists(certificates + QStringLiteral("/certificate.pem"))) {
+    if (!QFile::exists(certificates + u"/certificate.pem"_s)) {
         QDir().mkpath(certificates);
         OpenSsl::makeCertificate(certificates);
     }
@@ -48,9 +49,15 @@ int main(int argc, char** argv)
                              .toUtf8());
     }
     if (parser.isSet(misbehave)) {
-        if (!Misbehaviour::names().contains(parser.value(misbehave)))
+        if (!ways.contains(parser.value(misbehave)))
             parser.showHelp(2);
-        service.setBehaviour(Misbehaviour::named(parser.value(misbehave)));
+        service.setBehaviour(Misbehaviour::byName().at(parser.value(misbehave)));
+    }
+    if (parser.isSet(answer)) {
+        QFile file(parser.value(answer));
+        if (!file.open(QIODevice::ReadOnly))
+            qFatal("cannot read %s", qUtf8Printable(file.fileName()));
+        service.setBehaviour(StandInService::answering(file.readAll()));
     }
     QObject::connect(&service, &StandInService::requested, [](const ServiceRequest& request) {
         std::printf("%d %s\n", request.function, request.text.constData());
