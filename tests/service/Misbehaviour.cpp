@@ -1,4 +1,4 @@
-#include "service/Misbehaviour.h"
+#include "service/StandInService.h"
 
 #include <QTimer>
 
@@ -35,9 +35,9 @@ void endless(const StandInService&, QSslSocket& socket, const ServiceRequest&)
 
 } // namespace
 
-const std::map<QString, StandInService::Behaviour>& Misbehaviour::byName()
+const std::map<QString, StandInService::Behaviour>& StandInService::misbehaviours()
 {
-    static const std::map<QString, StandInService::Behaviour> ways{
+    static const std::map<QString, Behaviour> ways{
         {u"silent"_s, silent}, {u"dripping"_s, dripping}, {u"endless"_s, endless}};
     return ways;
 }

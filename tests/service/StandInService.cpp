@@ -6,34 +6,11 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <QSslKey>
-#include <QUrl>
-
-#include <algorithm>
-#include <iterator>
-#include <memory>
+#include <QUrlQuery>
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QByteArray fileContents(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qUtf8Printable(path));
-    return file.readAll();
-}
-
-qsizetype contentLength(const QByteArray& head)
-{
-    const auto lower = head.toLower();
-    const QByteArray name("content-length:");
-    const auto at = lower.indexOf(name);
-    return at < 0 ? 0
-                  : lower.mid(at + name.size(), lower.indexOf('\r', at) - at - name.size())
-                        .trimmed()
-                        .toLongLong();
-}
 
 constexpr auto heartbeatAnswer =
     R"({"status":1,"info":"ok","data":{"ct":7,)"
@@ -58,11 +35,14 @@ constexpr auto guideAnswer =
 StandInService::StandInService(const QString& certificateDirectory, quint16 port)
     : m_behaviour(std::mem_fn(&StandInService::replyProperly))
 {
+    const auto certificates =
+        QSslCertificate::fromPath(certificateDirectory + u"/certificate.pem"_s);
+    QFile key(certificateDirectory + u"/key.pem"_s);
+    if (certificates.isEmpty() || !key.open(QIODevice::ReadOnly))
+        qFatal("cannot read the certificate in %s", qUtf8Printable(certificateDirectory));
     QSslConfiguration configuration;
-    configuration.setLocalCertificate(
-        QSslCertificate(fileContents(certificateDirectory + u"/certificate.pem"_s)));
-    configuration.setPrivateKey(
-        QSslKey(fileContents(certificateDirectory + u"/key.pem"_s), QSsl::Rsa));
+    configuration.setLocalCertificateChain(certificates);
+    configuration.setPrivateKey(QSslKey(&key, QSsl::Rsa));
     m_server.setSslConfiguration(configuration);
     connect(&m_server, &QTcpServer::pendingConnectionAvailable, this, &StandInService::accept);
     if (!m_server.listen(QHostAddress::LocalHost, port))
@@ -76,25 +56,17 @@ QString StandInService::origin() const
 
 std::vector<ServiceRequest> StandInService::requests(int function) const
 {
-    std::vector<ServiceRequest> found;
-    std::copy_if(m_requests.begin(),
-        m_requests.end(),
-        std::back_inserter(found),
-        [function](const ServiceRequest& request) { return request.function == function; });
+    auto found = m_requests;
+    std::erase_if(found, [function](const auto& request) { return request.function != function; });
     return found;
 }
 
 QByteArray StandInService::answer(int function) const
 {
-    switch (function) {
-    case 21:
-        return heartbeatAnswer;
-    case 214:
-        return guideAnswer;
-    default:
-        return R"({"status":1,"info":"ok")" + (m_offer.isEmpty() ? "" : ",\"data\":" + m_offer) +
-               '}';
-    }
+    return function == 21    ? QByteArray(heartbeatAnswer)
+           : function == 214 ? QByteArray(guideAnswer)
+                             : R"({"status":1,"info":"ok")" +
+                                   (m_offer.isEmpty() ? "" : ",\"data\":" + m_offer) + '}';
 }
 
 void StandInService::replyProperly(QSslSocket& socket, const ServiceRequest& request) const
@@ -122,42 +94,32 @@ void StandInService::accept()
 {
     auto* const socket = qobject_cast<QSslSocket*>(m_server.nextPendingConnection());
     connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
-    const auto received = std::make_shared<QByteArray>(); // lives as long as the connection
-    const auto readMore = [this, socket, received] {
-        *received += socket->readAll();
-        const auto headEnd = received->indexOf("\r\n\r\n");
-        if (headEnd < 0)
-            return;
-        const auto head = received->left(headEnd + 2);
-        const auto form = received->mid(headEnd + 4);
-        if (form.size() < contentLength(head))
-            return;
-        received->clear();
-        receive(*socket, head, form);
-    };
-    connect(socket, &QSslSocket::readyRead, this, readMore);
-    readMore();
+    const auto receiveMore = [this, socket] { receive(*socket); };
+    connect(socket, &QSslSocket::readyRead, this, receiveMore);
+    receiveMore();
 }
 
-void StandInService::receive(QSslSocket& socket, const QByteArray& head, const QByteArray& form)
+void StandInService::receive(QSslSocket& socket)
 {
+    const auto received = socket.peek(socket.bytesAvailable());
+    const auto headEnd = received.indexOf("\r\n\r\n");
+    if (headEnd < 0)
+        return;
     ServiceRequest request;
-    const auto lines = head.split('\n');
-    const auto words = lines.first().split(' ');
-    request.method = words.value(0);
-    request.path = words.value(1);
+    const auto lines = received.left(headEnd).split('\n');
+    request.method = lines.first().split(' ').value(0);
+    request.path = lines.first().split(' ').value(1);
     for (const auto& line : lines.mid(1)) {
         const auto colon = line.indexOf(':');
         request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
     }
-    request.form = form;
-    for (const auto& field : form.split('&')) {
-        const auto value = QByteArray::fromPercentEncoding(field.mid(2));
-        if (field.startsWith("f="))
-            request.function = value.toInt();
-        else if (field.startsWith("i="))
-            request.text = OpenSsl::decipher(value);
-    }
+    request.form = received.mid(headEnd + 4);
+    if (request.form.size() < request.headers.value("content-length").toLongLong())
+        return;
+    socket.readAll();
+    const QUrlQuery form(QString::fromLatin1(request.form));
+    request.function = form.queryItemValue(u"f"_s).toInt();
+    request.text = OpenSsl::decipher(form.queryItemValue(u"i"_s, QUrl::FullyDecoded).toLatin1());
     m_requests.push_back(request);
     Q_EMIT requested(request);
     m_behaviour(*this, socket, request);

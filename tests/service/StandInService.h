@@ -6,9 +6,9 @@
 #include <QSslServer>
 #include <QSslSocket>
 #include <QString>
-#include <QTemporaryDir>
 
 #include <functional>
+#include <map>
 #include <vector>
 
 /// A request as it arrived.
@@ -48,6 +48,8 @@ public:
     QByteArray answer(int function) const;
     /// That answer, as it has to be.
     void replyProperly(QSslSocket& socket, const ServiceRequest& request) const;
+    /// Ways to keep a client waiting, by their names.
+    static const std::map<QString, Behaviour>& misbehaviours();
     /// Answers everything with this text, enciphered.
     static Behaviour answering(const QByteArray& text);
     /// Sends `body` as an HTTP reply and closes.
@@ -61,7 +63,7 @@ Q_SIGNALS:
 
 private:
     void accept();
-    void receive(QSslSocket& socket, const QByteArray& head, const QByteArray& form);
+    void receive(QSslSocket& socket);
 
     QSslServer m_server;
     Behaviour m_behaviour;

@@ -1,4 +1,3 @@
-#include "service/Misbehaviour.h"
 #include "service/OpenSsl.h"
 #include "service/StandInService.h"
 
@@ -16,7 +15,7 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     QStringList ways;
-    for (const auto& [name, way] : Misbehaviour::byName())
+    for (const auto& [name, way] : StandInService::misbehaviours())
         ways << name;
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -43,15 +42,14 @@ int main(int argc, char** argv)
     }
     StandInService service(certificates, parser.value(port).toUShort());
     if (parser.isSet(offer)) {
-        service.setOffer(QStringLiteral(
-            R"({"url":"https://example.com/new","md5":"","ver":"%1","exp":"<b>New</b> in %1"})")
-                             .arg(parser.value(offer))
-                             .toUtf8());
+        constexpr auto json =
+            R"({"url":"https://example.com/","ver":"%1","exp":"<b>New</b> in %1"})";
+        service.setOffer(QString::fromLatin1(json).arg(parser.value(offer)).toUtf8());
     }
     if (parser.isSet(misbehave)) {
         if (!ways.contains(parser.value(misbehave)))
             parser.showHelp(2);
-        service.setBehaviour(Misbehaviour::byName().at(parser.value(misbehave)));
+        service.setBehaviour(StandInService::misbehaviours().at(parser.value(misbehave)));
     }
     if (parser.isSet(answer)) {
         QFile file(parser.value(answer));
