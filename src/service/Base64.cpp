@@ -19,12 +19,6 @@ constexpr auto characterPairs = [] {
 
 constexpr qsizetype sizeLimit = std::numeric_limits<int>::max() / 2;
 
-bool isBlank(char character)
-{
-    return character == ' ' || character == '\t' || character == '\r' || character == '\n' ||
-           character == '-'; // which OpenSSL takes for the end
-}
-
 } // namespace
 
 QByteArray Base64::encode(const QByteArray& bytes)
@@ -51,10 +45,9 @@ std::optional<QByteArray> Base64::decode(const QByteArray& text)
 {
     if (text.isEmpty())
         return text;
-    // OpenSSL forgives blanks at both ends, and padding everywhere.
-    if (text.size() > sizeLimit || text.size() % 4 != 0 || isBlank(text.front()) ||
-        isBlank(text.back()))
+    if (text.size() > sizeLimit || text.size() % 4 != 0)
         return std::nullopt;
+    // OpenSSL forgives padding everywhere.
     const int padding = text.endsWith("==") ? 2 : text.endsWith('=') ? 1 : 0;
     const auto firstPadding = text.indexOf('=');
     if (firstPadding >= 0 && firstPadding != text.size() - padding)
@@ -64,7 +57,7 @@ std::optional<QByteArray> Base64::decode(const QByteArray& text)
     const int length = EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()),
         reinterpret_cast<const unsigned char*>(text.constData()),
         static_cast<int>(text.size()));
-    if (length != bytes.size())
+    if (length != bytes.size()) // less where it has skipped blanks or hyphens at the ends
         return std::nullopt;
     bytes.chop(padding);
     return bytes;
