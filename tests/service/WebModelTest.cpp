@@ -224,40 +224,27 @@ private Q_SLOTS:
         }
     }
 
-    void upgradeCheck_yieldsTheOffer_data()
-    {
-        QTest::addColumn<QByteArray>("answer");
-        QTest::addColumn<QStringList>("offered"); // empty for no offer
-        const auto row = [](const char* name, const char* answer, const QStringList& offered = {}) {
-            QTest::newRow(name) << QByteArray(answer) << offered;
-        };
-        row("complete",
-            R"({"status":0,"data":{"url":"u","md5":"m","ver":"2","exp":"e"}})",
-            {u"u"_s, u"m"_s, u"2"_s, u"e"_s});
-        row("an address alone", R"({"data":{"url":"u"}})", {u"u"_s, {}, {}, {}});
-        row("an address that is a number",
-            R"({"data":{"url":3,"md5":null,"ver":"2"}})",
-            {{}, {}, u"2"_s, {}});
-        row("no address", R"({"data":{"ver":"2"}})");
-        row("no data", R"({"status":0})");
-        row("data that is a list", R"({"data":[]})");
-        row("a list", "[]");
-        row("no JSON", "data");
-    }
-
     void upgradeCheck_yieldsTheOffer()
     {
-        QFETCH(QByteArray, answer);
-        QFETCH(QStringList, offered);
-        m_service->setBehaviour(StandInService::answering(answer));
-
-        QStringList members{u"not called"_s};
-        m_model->checkUpgrade([&](const auto& offer) {
-            members =
-                offer ? QStringList{offer->url, offer->md5, offer->ver, offer->exp} : QStringList();
-        });
-
-        QTRY_COMPARE(members, offered);
+        QStringList members;
+        const auto offer = [&](const QByteArray& answer) {
+            m_service->setBehaviour(StandInService::answering(answer));
+            bool called = false;
+            m_model->checkUpgrade([&](const std::optional<UpgradeInfo>& info) {
+                called = true;
+                members = info ? QStringList{info->url, info->md5, info->ver, info->exp}
+                               : QStringList{u"none"_s};
+            });
+            return QTest::qWaitFor([&] { return called; }) ? members.join(u' ') : u"silence"_s;
+        };
+        const auto* const whole = R"({"data":{"url":"u","md5":"m","ver":"2","exp":"e"}})";
+        const auto* const address = R"({"data":{"url":"u"}})";
+        const auto* const others = R"({"data":{"url":3,"md5":null,"ver":"2"}})";
+        QCOMPARE(offer(whole), u"u m 2 e"_s);
+        QCOMPARE(offer(address), u"u   "_s);
+        QCOMPARE(offer(others), u"  2 "_s);
+        for (const auto* none : {R"({"data":{"ver":"2"}})", R"({"data":[]})", "{}", "[]", "data"})
+            QCOMPARE(offer(none), u"none"_s);
     }
 
     void reply_countsWhenItIsWhole_data()
@@ -267,8 +254,7 @@ private Q_SLOTS:
         const auto row = [](const char* name, const Behaviour& behaviour, bool counts) {
             QTest::newRow(name) << behaviour << counts;
         };
-        const auto text = m_service->answer(heartbeat);
-        const auto good = OpenSsl::encipher(text);
+        const auto good = OpenSsl::encipher(m_service->answer(heartbeat));
         const auto length = "Content-Length: " + QByteArray::number(good.size()) + "\r\n\r\n";
         const auto filled = [&](qsizetype size) { return good + QByteArray(size, ' '); };
         row("an error page", reply(good, "404 Not Found"), true);
@@ -358,8 +344,6 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("answer");
         constexpr int many = 4'000'000;
         QTest::newRow("endless, byte by byte") << QByteArray();
-        QTest::newRow("commas in a picture")
-            << m_service->answer(guide).replace("base64,", "base64" + QByteArray(many, ','));
         QTest::newRow("pieces in a picture")
             << m_service->answer(guide).replace("base64,", QByteArray("a,").repeated(many / 2));
         QTest::newRow("commas in JSON") << '[' + QByteArray(many, ',') + ']';
@@ -371,14 +355,15 @@ private Q_SLOTS:
         QFETCH(QByteArray, answer);
         const auto file = m_home->path() + u"/answer"_s;
         TemporaryHome::writeFile(file, answer);
+        QStringList arguments{u"--misbehave"_s, u"endless"_s};
+        if (!answer.isEmpty())
+            arguments = {u"--answer"_s, file};
+        arguments << u"--certificate"_s << m_certificates.path();
         QProcess service;
-        QStringList arguments{u"--certificate"_s, m_certificates.path()};
-        arguments << (answer.isEmpty() ? QStringList{u"--misbehave"_s, u"endless"_s}
-                                       : QStringList{u"--answer"_s, file});
         service.start(QCoreApplication::applicationDirPath() + u"/stand_in_service"_s, arguments);
         QVERIFY(service.waitForReadyRead());
         const auto origin = QString::fromLatin1(service.readLine()).section(u' ', 0, 0);
-        const auto model = makeModel(origin.section(u'=', 1));
+        m_model = makeModel(origin.section(u'=', 1));
         QElapsedTimer sinceTick;
         qint64 longest = 0;
         QTimer ticks;
@@ -390,12 +375,12 @@ private Q_SLOTS:
         const auto memory = ProcessMemory::peak();
 
         m_events.clear();
-        model->refreshGudieInfo();
+        m_model->refreshGudieInfo();
         QTRY_COMPARE_WITH_TIMEOUT(m_events.size(), 2, 30'000);
 
         QVERIFY2(longest < 100, qPrintable(QString::number(longest)));
         QVERIFY(ProcessMemory::peak() - memory < 200);
-        QCOMPARE(model->guideModel().has_value(), answer.contains("leftPanel"));
+        QCOMPARE(m_model->guideModel().has_value(), answer.contains("leftPanel"));
         service.kill();
         service.waitForFinished();
     }
@@ -426,13 +411,13 @@ private Q_SLOTS:
         if (trustedBy != u"file") // but another one
             qputenv("SSL_CERT_FILE", (m_certificates.path() + u"/certificate.pem"_s).toUtf8());
         m_model = makeModel(m_service->origin());
-        m_model->midnightRefresh();
 
-        QTRY_COMPARE(m_service->requests(heartbeat).size(), counts ? 1U : 0U);
-        if (counts)
-            QTRY_VERIFY(m_model->heartbeatResponse());
-        else
-            expectFailures();
+        m_model->midnightRefresh();
+        m_events.clear();
+        m_model->refreshGudieInfo();
+
+        QTRY_COMPARE(m_events.size(), counts ? 3 : 2);
+        QCOMPARE(m_model->guideModel().has_value(), counts);
         QCOMPARE(m_service->requests().empty(), !counts);
         QSslConfiguration::setDefaultConfiguration(before);
     }
