@@ -152,7 +152,7 @@ void WebModel::sendHeartbeat(HeartBeatType type, const QString& n, HeartbeatComp
     send(Function::Heartbeat,
         body,
         decodeReply<HeartbeatResponse>,
-        [this, completion = std::move(completion)](Answer<HeartbeatResponse> answer) {
+        [this, completion = std::move(completion)](const Answer<HeartbeatResponse>& answer) {
             if (answer.hasArrived)
                 m_heartbeatResponse = answer.content;
             if (completion)
