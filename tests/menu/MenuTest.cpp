@@ -17,7 +17,7 @@ struct MenuFixture : ManagerFixture {
         setScreens(screens);
         // The player's manager reads the screens and settings when it is made.
         manager = std::make_unique<VideoPlayerManager>(
-            *preferences, *library, workspace, distributedCenter, center);
+            *preferences, *library, openings, workspace, distributedCenter, center);
         menu = std::make_unique<StatusBarManager>(
             *preferences, *manager, workspace, center, statusBar, info, bundle);
         start();
