@@ -233,7 +233,9 @@ void benchLibrary()
     Workspace workspace;
     DistributedNotificationCenter distributedCenter;
     NotificationCenter center;
-    VideoPlayerManager manager(preferences, library, workspace, distributedCenter, center);
+    OpeningRecord openings(home.path() + QStringLiteral("/opening.json"));
+    VideoPlayerManager manager(
+        preferences, library, openings, workspace, distributedCenter, center);
     for (const bool isRandom : {false, true}) {
         preferences.setPlayModel(isRandom ? 2 : 1);
         QElapsedTimer time;
