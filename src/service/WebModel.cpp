@@ -88,7 +88,7 @@ const QString& WebModel::uuid()
         m_uuid = QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
         m_group.setString(key, m_uuid, PreferencesSuite::Overwrite::Never);
         m_group.synchronize();
-        m_uuid = m_group.string(key); // or another process's
+        m_uuid = m_group.string(key).value_or(*m_uuid); // or another process's
     }
     return *m_uuid;
 }
