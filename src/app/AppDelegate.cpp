@@ -2,6 +2,7 @@
 
 #include "base/Observe.h"
 #include "identity/AppInfo.h"
+#include "library/OpeningRecord.h"
 #include "menu/StatusBarManager.h"
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/Workspace.h"
@@ -58,7 +59,9 @@ void AppDelegate::applicationDidFinishLaunching()
 
 void AppDelegate::applicationWillTerminate()
 {
-    // Tells the companion that the helper goes away. There is nothing to save.
+    // An end in good order is not the fault of the video that was just opened.
+    OpeningRecord::shared().finish();
+    // Tells the companion that the helper goes away. There is nothing else to save.
     DistributedNotificationCenter::defaultCenter().post(QStringLiteral("com.zemra.fendix.mac.ter"));
 }
 

@@ -4,8 +4,6 @@
 #include "player/PlayerFrames.h"
 #include "player/PlayerView.h"
 
-#include <QCoreApplication>
-
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -68,7 +66,6 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
             updateVideoList();
     });
     setUp(m_openingTime, 5s, [this] { m_openings.finish(); });
-    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] { m_openings.finish(); });
     connect(&m_fileWatch, &PlayableFileWatch::found, this, [this](const QString& sign) {
         m_videoList.moveToSign(sign);
         playAgain();

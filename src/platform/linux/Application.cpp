@@ -78,6 +78,35 @@ void limitRetainedMemory()
     std::_Exit(status);
 }
 
+/// Qt has a connection of its own. When that notices first that the server is gone, it would end
+/// the process with exit(), which takes down what other threads are in the middle of using.
+class QtDisplayWatch {
+public:
+    explicit QtDisplayWatch(Application& application)
+    {
+        watched = &application;
+        formerHandler = qInstallMessageHandler(hear);
+    }
+    ~QtDisplayWatch() { qInstallMessageHandler(formerHandler); }
+    QtDisplayWatch(const QtDisplayWatch&) = delete;
+    QtDisplayWatch& operator=(const QtDisplayWatch&) = delete;
+
+private:
+    static void hear(QtMsgType type, const QMessageLogContext& context, const QString& message)
+    {
+        if (!message.startsWith(u"The X11 connection broke")) {
+            formerHandler(type, context, message);
+            return;
+        }
+        X11Connection::reportLoss();
+        Q_EMIT watched->willTerminate();
+        endProcess(EXIT_FAILURE);
+    }
+
+    static inline Application* watched = nullptr;
+    static inline QtMessageHandler formerHandler = nullptr;
+};
+
 int& prepare(int& argc)
 {
     limitRetainedMemory();
@@ -90,10 +119,13 @@ int& prepare(int& argc)
 class Application::Body {
 public:
     Body(int& argc, char** argv, Application& application)
-        : qt(prepare(argc), argv), terminationSignals([&application] { application.terminate(); })
+        : displayWatch(application),
+          qt(prepare(argc), argv),
+          terminationSignals([&application] { application.terminate(); })
     {
     }
 
+    QtDisplayWatch displayWatch;
     QApplication qt;
     TerminationSignals terminationSignals;
     QTimer screenChanges; // running while changes still come

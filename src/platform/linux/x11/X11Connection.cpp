@@ -143,9 +143,16 @@ void X11Connection::processEvents()
     xcb_flush(get());
     if (m_notifier.isEnabled() && xcb_connection_has_error(get())) {
         m_notifier.setEnabled(false); // or it would report the closed socket for ever
-        std::fputs("The X server has closed the connection.\n", stderr);
+        reportLoss();
         QCoreApplication::exit(EXIT_FAILURE);
     }
+}
+
+void X11Connection::reportLoss()
+{
+    static bool hasReported = false;
+    if (!std::exchange(hasReported, true))
+        std::fputs("The X server has closed the connection.\n", stderr);
 }
 
 void X11Connection::deliver(const xcb_generic_event_t& event)

@@ -48,6 +48,9 @@ public:
     /// Returns when the server has carried out all requests made so far.
     void synchronize();
 
+    /// Says once on standard error that the server is gone, whoever notices first.
+    static void reportLoss();
+
 Q_SIGNALS:
     void rootPropertyChanged(quint32 atom);
     /// A window on the root came, went, was moved, resized or restacked.
