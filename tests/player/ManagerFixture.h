@@ -56,6 +56,8 @@ struct ManagerFixture {
         manager->createWindows();
         Recording::take();
     }
+    /// What has been recorded since the last time, in one line.
+    static QString took() { return Recording::take().join(u"; "_s); }
     void endItem() { center.post(PlayerItem::didPlayToEndTimeNotification()); }
     void poll() { preferences->updateUserDefaultFromDisk(); }
     static QString playing()

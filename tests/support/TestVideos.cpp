@@ -49,3 +49,12 @@ void TestVideos::makeHalves(const QString& path, const QString& left, const QStr
                             .arg(left, right, colours);
     make(path, QStringList{QStringLiteral("-filter_complex"), source} + encoder);
 }
+
+void TestVideos::makeSequence(const QString& path, double seconds)
+{
+    const auto source = QStringLiteral("color=c=red:s=1280x720:r=30:d=%1[a];"
+                                       "color=c=lime:s=1280x720:r=30:d=%1[b];[a][b]concat,%2")
+                            .arg(seconds)
+                            .arg(colours);
+    make(path, QStringList{QStringLiteral("-filter_complex"), source} + encoder);
+}
