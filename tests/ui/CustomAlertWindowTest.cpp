@@ -34,9 +34,7 @@ private Q_SLOTS:
     void window_hasOnlyACloseButton()
     {
         CustomAlertWindowController alert;
-
         const auto flags = alert.window().windowFlags();
-
         QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint));
         QVERIFY(!(flags & (Qt::WindowMinMaxButtonsHint | Qt::WindowFullscreenButtonHint)));
     }
