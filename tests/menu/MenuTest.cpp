@@ -37,29 +37,26 @@ struct MenuFixture : ManagerFixture {
     int ends = 0;
 };
 
-QMenu& mainMenu()
+QAction* item(const QString& path);
+
+/// By titles from the top; the main menu without any.
+QMenu& level(const QString& path)
 {
+    if (!path.isEmpty())
+        return *item(path)->menu();
     const auto widgets = QApplication::topLevelWidgets();
-    for (auto* const widget : widgets) {
-        if (auto* const menu = qobject_cast<QMenu*>(widget);
-            menu && !menu->actions().isEmpty() && menu->actions().constLast()->text() == u"Quit")
-            return *menu;
-    }
-    qFatal("There is no menu.");
+    const auto isMain = [](QWidget* widget) {
+        return widget->inherits("QMenu") && static_cast<QMenu*>(widget)->title().isEmpty();
+    };
+    return static_cast<QMenu&>(**std::ranges::find_if(widgets, isMain));
 }
 
 /// By titles from the top; null if there is none.
 QAction* item(const QString& path)
 {
-    const auto parent = path.section(u'/', 0, -2);
-    const auto actions = (parent.isEmpty() ? mainMenu() : *item(parent)->menu()).actions();
+    const auto actions = level(path.section(u'/', 0, -2)).actions();
     const auto at = std::ranges::find(actions, path.section(u'/', -1), &QAction::text);
     return at == actions.end() ? nullptr : *at;
-}
-
-QMenu& level(const QString& path)
-{
-    return path.isEmpty() ? mainMenu() : *item(path)->menu();
 }
 
 /// Of one level, "-" for separators.
@@ -74,12 +71,10 @@ QString titles(const QString& path)
 /// What is marked among the screens, for example "Single 2".
 QString marks()
 {
+    auto actions = level(u"Screen"_s).actions() + level(u"Screen/Single"_s).actions();
+    actions.removeIf([](const QAction* action) { return !action->isChecked(); });
     QStringList marked;
-    for (const auto actions = level(u"Screen"_s).actions() + level(u"Screen/Single"_s).actions();
-         const auto* action : actions) {
-        if (action->isChecked())
-            marked << action->text();
-    }
+    std::ranges::transform(actions, std::back_inserter(marked), &QAction::text);
     return marked.join(u' ');
 }
 
@@ -121,31 +116,21 @@ private Q_SLOTS:
         }
     }
 
-    void screens_areChosen_data()
-    {
-        QTest::addColumn<QString>("clicks");
-        QTest::addColumn<int>("monitorArrange");
-        QTest::addColumn<QString>("marks");
-
-        QTest::newRow("one") << "Screen/Single/2" << 2 << u"Single 2"_s;
-        QTest::newRow("the same again") << "Screen/Single/2,Screen/Single/2" << 2 << u"Single 2"_s;
-        QTest::newRow("mirrored") << "Screen/Single/2,Screen/Mirror" << 1 << u"Mirror 1"_s;
-        QTest::newRow("integrated")
-            << "Screen/Single/2,Screen/Integration" << 0 << u"Integration 1"_s;
-        QTest::newRow("the title of a menu") << "Screen/Single" << 0 << u"Integration 1"_s;
-    }
-
     void screens_areChosen()
     {
-        QFETCH(QString, clicks);
-        const MenuFixture fixture;
+        for (const auto& [clicks, arrangement, marked] :
+            {std::tuple(u"Screen/Single/2,Screen/Single/2"_s, 2, u"Single 2"_s),
+                std::tuple(u"Screen/Single/2,Screen/Mirror"_s, 1, u"Mirror 1"_s),
+                std::tuple(u"Screen/Single/2,Screen/Integration"_s, 0, u"Integration 1"_s),
+                std::tuple(u"Screen/Single"_s, 0, u"Integration 1"_s)}) { // the title of a menu
+            const MenuFixture fixture;
+            for (const auto& click : clicks.split(u','))
+                item(click)->trigger();
 
-        for (const auto& click : clicks.split(u','))
-            item(click)->trigger();
-
-        QTEST(static_cast<int>(fixture.preferences->monitorArrange()), "monitorArrange");
-        QTEST(marks(), "marks");
-        QCOMPARE(fixture.preferences->screenIndex(), clicks.contains(u'2') ? 1 : 0);
+            QCOMPARE(fixture.preferences->monitorArrange(), arrangement);
+            QCOMPARE(fixture.preferences->screenIndex(), clicks.contains(u'2') ? 1 : 0);
+            QCOMPARE(marks(), marked);
+        }
     }
 
     void choicesFromOutside_areMarked()
@@ -208,14 +193,15 @@ private Q_SLOTS:
     void desktopIcons_areHiddenAndShown()
     {
         const MenuFixture fixture;
-        const auto isHidden = [] { return item(u"Hide Desktop Icon"_s)->isChecked(); };
 
-        item(u"Hide Desktop Icon"_s)->trigger();
-        QVERIFY(Recording::take().contains(u"window 1 front"_s));
-        QVERIFY(isHidden());
-        fixture.preferences->setIsOpenPlayer(false);
-        fixture.preferences->setIsOpenPlayer(true);
-        QVERIFY(isHidden());
+        for (const bool isHidden : {true, false}) {
+            item(u"Hide Desktop Icon"_s)->trigger();
+            QCOMPARE(Recording::take().contains(u"window 1 front"_s), isHidden);
+            fixture.preferences->setIsOpenPlayer(false);
+            fixture.preferences->setIsOpenPlayer(true);
+            QCOMPARE(item(u"Hide Desktop Icon"_s)->isChecked(), isHidden);
+            Recording::take();
+        }
     }
 
     void keys_workInEveryMenu()
@@ -228,10 +214,10 @@ private Q_SLOTS:
             QTest::keyClick(&open, Qt::Key_2, Qt::ControlModifier);
             QCOMPARE(marks(), u"Single 2"_s);
 
-            mainMenu().popup({});
-            QTest::keyClick(&mainMenu(), Qt::Key_Q, Qt::ControlModifier);
+            level({}).popup({});
+            QTest::keyClick(&level({}), Qt::Key_Q, Qt::ControlModifier);
             QCOMPARE(fixture.ends, 1);
-            QVERIFY(!mainMenu().isVisible());
+            QVERIFY(!level({}).isVisible());
         }
     }
 
@@ -241,7 +227,7 @@ private Q_SLOTS:
 
         item(u"Check for Updates..."_s)->trigger();
         item(u"Main Window"_s)->trigger();
-        QTest::keyClick(&mainMenu(), Qt::Key_1, Qt::ControlModifier);
+        QTest::keyClick(&level({}), Qt::Key_1, Qt::ControlModifier);
 
         QCOMPARE(fixture.checks, 1);
         QVERIFY(Recording::take().contains(u"launch com.zemra.tavelor.macOS"_s));
