@@ -31,17 +31,12 @@ private Q_SLOTS:
         }
     }
 
-    void window_hasOnlyACloseButton()
+    void window_closesByKeysAndButtonsOnly()
     {
         CustomAlertWindowController alert;
         const auto flags = alert.window().windowFlags();
         QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint));
         QVERIFY(!(flags & (Qt::WindowMinMaxButtonsHint | Qt::WindowFullscreenButtonHint)));
-    }
-
-    void alert_closesByKeysAndItsButton()
-    {
-        CustomAlertWindowController alert;
         for (const auto key : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_unknown}) {
             alert.showWindow();
             QVERIFY(QTest::qWaitForWindowActive(&alert.window()));
