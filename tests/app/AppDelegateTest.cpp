@@ -48,7 +48,6 @@ private Q_SLOTS:
     {
         Preferences::shared().setIsOpenPlayer(true);
         Preferences::shared().setIsPlaying(true);
-        m_service->setOffer({});
         Recording::take();
     }
 
@@ -103,7 +102,6 @@ private Q_SLOTS:
                  std::pair("1.0.00", offered.arg(u"1.0.00")), // a longer text, no higher numbers
                  std::pair("01.0.1", none),
                  std::pair("1.0.0", none),
-                 std::pair("1.0", none),
                  std::pair("9\"", none)}) { // which is no record
 
             offer(version);

@@ -2,7 +2,6 @@
 #include "ui/InfoTextView.h"
 #include "ui/UpgradeWindowController.h"
 
-#include <QApplication>
 #include <QElapsedTimer>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -28,7 +27,6 @@ struct Shown {
             qFatal("The window does not become active.");
     }
     QWidget& window() { return controller.window(); }
-    void type(Qt::Key key) { QTest::keyClick(window().windowHandle(), key); }
 
     QList<QUrl> opened;
     UpgradeWindowController controller{
@@ -99,11 +97,9 @@ private Q_SLOTS:
     {
         for (const auto& [url, isOpened] : {std::pair("https://example.org/a%20b?c=d", true),
                  std::pair("HTTP://example.org", true),
-                 std::pair("", false),
                  std::pair("https:///no-host", false),
                  std::pair("https://example.org/a b", false),
-                 std::pair("file:///usr/bin/env", false),
-                 std::pair("mailto:a@example.org", false)}) {
+                 std::pair("file://localhost/usr/bin/env", false)}) {
             Shown shown(offer(u"1.2"_s, {}, QLatin1String(url)));
 
             QTest::mouseClick(&shown.controller.upgradeButton(), Qt::LeftButton);
@@ -125,7 +121,7 @@ private Q_SLOTS:
                 std::tuple(Keys{tab, tab, Qt::Key_Escape}, false, true)}) {
             Shown shown(offer({}, {}, u"https://example.org"_s));
             for (const auto key : keys)
-                shown.type(key);
+                QTest::keyClick(shown.window().windowHandle(), key);
 
             QCOMPARE(!shown.opened.isEmpty(), isOpened);
             QCOMPARE(!shown.window().isVisible(), isClosed);
@@ -148,11 +144,7 @@ private Q_SLOTS:
     void background_isTheWholeWindowWithTransparentCorners()
     {
         Shown shown;
-
-        QImage seen(shown.window().size(), QImage::Format_ARGB32);
-        seen.fill(Qt::transparent);
-        shown.window().render(&seen, {}, {}, QWidget::DrawChildren);
-
+        const auto seen = shown.window().grab().toImage();
         QCOMPARE(seen.pixelColor(0, 0).alpha(), 0);
         QCOMPARE(seen.pixelColor(seen.width() / 2, 20).alpha(), 255);
         QVERIFY(seen.pixelColor(seen.width() / 2, 20) != seen.pixelColor(20, seen.height() - 40));
