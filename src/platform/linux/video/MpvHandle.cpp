@@ -28,6 +28,14 @@ constexpr Option options[] = {
     // other files or sites, subtitles or remembered positions.
     {"config", "no"},
     {"load-scripts", "no"},
+    // libmpv's own, under their names in several versions
+    {"load-auto-profiles", "no"},
+    {"load-commands", "no"},
+    {"load-console", "no"},
+    {"load-osd-console", "no"},
+    {"load-positioning", "no"},
+    {"load-select", "no"},
+    {"load-stats-overlay", "no"},
     {"ytdl", "no"},
     {"osd-level", "0"},
     {"sid", "no"},
