@@ -162,8 +162,10 @@ private Q_SLOTS:
             QTest::qWait(1000);
             return helper.processorSeconds() - before;
         };
-        QTRY_VERIFY_WITH_TIMEOUT(share() < 0.05, 15'000);
-        QVERIFY(share() < 0.1);
+        bool rests = false;
+        for (int i = 0; i < 15 && !rests; ++i)
+            rests = share() < 0.05;
+        QVERIFY(rests);
     }
 
     void brokenVideo_isBlackUntilItIsRepaired()
