@@ -2,22 +2,17 @@
 
 #include <QTimer>
 
-#include <chrono>
-
-using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-void silent(const StandInService&, QSslSocket&, const ServiceRequest&) {}
 
 /// A byte each tenth of a second.
 void dripping(const StandInService&, QSslSocket& socket, const ServiceRequest&)
 {
     socket.write("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\n");
     auto* const timer = new QTimer(&socket);
-    QObject::connect(timer, &QTimer::timeout, &socket, [&socket] { socket.write("A"); });
-    timer->start(100ms);
+    timer->callOnTimeout(&socket, [&socket] { socket.write("A"); });
+    timer->start(100);
 }
 
 /// In pieces of one byte, as fast as the client takes them.
@@ -38,6 +33,6 @@ void endless(const StandInService&, QSslSocket& socket, const ServiceRequest&)
 const std::map<QString, StandInService::Behaviour>& StandInService::misbehaviours()
 {
     static const std::map<QString, Behaviour> ways{
-        {u"silent"_s, silent}, {u"dripping"_s, dripping}, {u"endless"_s, endless}};
+        {u"silent"_s, [](auto&...) {}}, {u"dripping"_s, dripping}, {u"endless"_s, endless}};
     return ways;
 }

@@ -1,13 +1,11 @@
 #include "service/OpenSsl.h"
 
 #include <QProcess>
-#include <QStringList>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Empty where it refuses.
 QByteArray openssl(const QString& arguments, const QByteArray& input = {})
 {
     QProcess process;
@@ -18,35 +16,18 @@ QByteArray openssl(const QString& arguments, const QByteArray& input = {})
                                                                 : QByteArray();
 }
 
-QByteArray cipher(const QByteArray& text, const QString& more)
-{
-    const auto hex = [](const QByteArray& bytes) { return QString::fromLatin1(bytes.toHex()); };
-    return openssl(u"enc -aes-128-cbc -K %1 -iv %2 -a -A "_s.arg(
-                       hex("Pq7Rt2VbXn4LmZ8c"), hex("h5Jd9KsWf3TaYe6u")) +
-                       more,
-        text);
-}
-
 } // namespace
 
-QByteArray OpenSsl::encipher(const QByteArray& text)
+QByteArray OpenSsl::cipher(const QByteArray& text, const QString& option)
 {
-    return cipher(text, {});
+    const auto hex = [](const QByteArray& bytes) { return QString::fromLatin1(bytes.toHex()); };
+    const auto arguments = u"enc -aes-128-cbc -a -A -K %1 -iv %2 %3"_s;
+    return openssl(arguments.arg(hex("Pq7Rt2VbXn4LmZ8c"), hex("h5Jd9KsWf3TaYe6u"), option), text);
 }
 
-QByteArray OpenSsl::encipherUnpadded(const QByteArray& text)
+void OpenSsl::makeCertificate(const QString& directory)
 {
-    return cipher(text, u"-nopad"_s);
-}
-
-QByteArray OpenSsl::decipher(const QByteArray& text)
-{
-    return cipher(text, u"-d"_s);
-}
-
-void OpenSsl::makeCertificate(const QString& directory, const QString& host)
-{
-    openssl(u"req -x509 -newkey rsa:2048 -nodes -days 30 -subj /CN=stand-in "
-            "-addext subjectAltName=IP:%1 -keyout \"%2/key.pem\" -out \"%2/certificate.pem\""_s.arg(
-                host, directory));
+    openssl(u"req -x509 -newkey rsa:2048 -nodes -days 30 -subj /CN=stand-in -addext "
+            "subjectAltName=IP:127.0.0.1 -keyout \"%1/key.pem\" -out \"%1/certificate.pem\""_s.arg(
+                directory));
 }

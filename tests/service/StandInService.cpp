@@ -3,6 +3,7 @@
 #include "service/OpenSsl.h"
 
 #include <QFile>
+#include <QRegularExpression>
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <QSslKey>
@@ -10,27 +11,21 @@
 
 using namespace Qt::StringLiterals;
 
-namespace {
+static const QByteArray redPicture =
+    "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVQI12P4z8AAAAMBAQAY3Y2wAAAAAElFTkSuQmCC";
 
-constexpr auto heartbeatAnswer =
-    R"({"status":1,"info":"ok","data":{"ct":7,)"
-    R"("time":{"st":1,"vt":[2,3],"tt":4},"msg":{)"
-    R"("msg_bottom":{"msgid":1,"msg":"Welcome","url":"","color":"#ffffff","back":0},)"
-    R"("msg_top":{"msgid":2,"tittle":"Hello","url":"","color":)"
-    R"({"show":"#fff","hover":"#eee","click":"#ddd"},)"
-    R"("point":0,"type":1,"back":0,"width":320,"height":200}},)"
-    R"("upgrade":[true,1,1.5,"text",null,{"a":[]}],"speedlimit":0}})";
+const QByteArray StandInService::heartbeatAnswer =
+    R"({"status":-1,"info":"","data":{"ct":9223372036854775807,"time":{"st":1,"vt":[2,3],"tt":4},)"
+    R"("msg":{"msg_bottom":{"msgid":5,"msg":"m","url":"u","color":"c","back":6},)"
+    R"("msg_top":{"msgid":7,"tittle":"t","url":"v","color":{"show":"a","hover":"b","click":"d"},)"
+    R"("point":8,"type":9,"back":10,"width":11,"height":12}},)"
+    R"("upgrade":[true,1,1.5,"x",null,{"a":[]}],"speedlimit":13}})";
 
-/// A red and a green picture of one pixel.
-constexpr auto guideAnswer =
-    R"({"status":1,"info":"ok","data":{"leftPanel":[)"
-    R"("data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVQI12P4z8AAAAMBAQAY3Y2wAAAAAElFTkSuQmCC"],)"
-    R"("leftPanelUrl":["https://example.com/left"],"window":[],"windowUrl":[],)"
-    R"("browser":[],"browserUrl":[],"newFeature":[)"
-    R"("iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAIAAACQd1PeAAAADElEQVQI12P4z8AAAAMBAQAY3Y2wAAAAAElFTkSuQmCC"],)"
-    R"("newFeatureUrl":["https://example.com/new"]}})";
-
-} // namespace
+const QByteArray StandInService::guideAnswer =
+    R"({"status":1,"info":"ok","data":{"leftPanel":["data:image/png;base64,)" + redPicture +
+    R"("],"leftPanelUrl":["https://example.com/left"],"window":[],"windowUrl":[],"browser":[],)"
+    R"("browserUrl":[],"newFeature":[")" +
+    redPicture + R"("],"newFeatureUrl":["https://example.com/new"]}})";
 
 StandInService::StandInService(const QString& certificateDirectory, quint16 port)
     : m_behaviour(std::mem_fn(&StandInService::replyProperly))
@@ -63,22 +58,20 @@ std::vector<ServiceRequest> StandInService::requests(int function) const
 
 QByteArray StandInService::answer(int function) const
 {
-    return function == 21    ? QByteArray(heartbeatAnswer)
-           : function == 214 ? QByteArray(guideAnswer)
-                             : R"({"status":1,"info":"ok")" +
-                                   (m_offer.isEmpty() ? "" : ",\"data\":" + m_offer) + '}';
+    return function == 21 ? heartbeatAnswer
+           : function == 214
+               ? guideAnswer
+               : R"({"status":1)" + (m_offer.isEmpty() ? "" : ",\"data\":" + m_offer) + '}';
 }
 
 void StandInService::replyProperly(QSslSocket& socket, const ServiceRequest& request) const
 {
-    reply(socket, OpenSsl::encipher(answer(request.function)));
+    reply(socket, OpenSsl::cipher(answer(request.function)));
 }
 
 StandInService::Behaviour StandInService::answering(const QByteArray& text)
 {
-    return [body = OpenSsl::encipher(text)](const StandInService&,
-               QSslSocket& socket,
-               const ServiceRequest&) { reply(socket, body); };
+    return [body = OpenSsl::cipher(text)](auto&, auto& socket, auto&) { reply(socket, body); };
 }
 
 void StandInService::reply(
@@ -94,9 +87,8 @@ void StandInService::accept()
 {
     auto* const socket = qobject_cast<QSslSocket*>(m_server.nextPendingConnection());
     connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
-    const auto receiveMore = [this, socket] { receive(*socket); };
-    connect(socket, &QSslSocket::readyRead, this, receiveMore);
-    receiveMore();
+    connect(socket, &QSslSocket::readyRead, this, [this, socket] { receive(*socket); });
+    receive(*socket);
 }
 
 void StandInService::receive(QSslSocket& socket)
@@ -105,21 +97,16 @@ void StandInService::receive(QSslSocket& socket)
     const auto headEnd = received.indexOf("\r\n\r\n");
     if (headEnd < 0)
         return;
-    ServiceRequest request;
-    const auto lines = received.left(headEnd).split('\n');
-    request.method = lines.first().split(' ').value(0);
-    request.path = lines.first().split(' ').value(1);
-    for (const auto& line : lines.mid(1)) {
-        const auto colon = line.indexOf(':');
-        request.headers.insert(line.left(colon).toLower(), line.mid(colon + 1).trimmed());
-    }
-    request.form = received.mid(headEnd + 4);
-    if (request.form.size() < request.headers.value("content-length").toLongLong())
+    ServiceRequest request{received.left(headEnd + 2), received.mid(headEnd + 4), 0, {}};
+    static const QRegularExpression length(u"\nContent-Length: (\\d+)"_s);
+    const auto head = QString::fromLatin1(request.head);
+    if (request.form.size() < length.match(head).captured(1).toLongLong())
         return;
     socket.readAll();
     const QUrlQuery form(QString::fromLatin1(request.form));
     request.function = form.queryItemValue(u"f"_s).toInt();
-    request.text = OpenSsl::decipher(form.queryItemValue(u"i"_s, QUrl::FullyDecoded).toLatin1());
+    const auto sealed = form.queryItemValue(u"i"_s, QUrl::FullyDecoded).toLatin1();
+    request.text = OpenSsl::cipher(sealed, u"-d"_s);
     m_requests.push_back(request);
     Q_EMIT requested(request);
     m_behaviour(*this, socket, request);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <QObject>
 #include <QSslServer>
 #include <QSslSocket>
@@ -13,9 +12,7 @@
 
 /// A request as it arrived.
 struct ServiceRequest {
-    QByteArray method;
-    QByteArray path;
-    QHash<QByteArray, QByteArray> headers; ///< names in lower case
+    QByteArray head;
     QByteArray form;
     int function = 0; ///< the form's "f"
     QByteArray text;  ///< the form's "i", deciphered by `openssl`
@@ -30,6 +27,11 @@ public:
     /// Answers a request, at once, later, in part or not at all.
     using Behaviour = std::function<void(
         const StandInService& service, QSslSocket& socket, const ServiceRequest& request)>;
+
+    /// The answer to the heartbeat. Its values differ, so that members that are mixed up are seen.
+    static const QByteArray heartbeatAnswer;
+    /// The same picture in the left panel and as a new feature.
+    static const QByteArray guideAnswer;
 
     /// Presents `certificate.pem` of this directory. Listens on any free port for 0.
     explicit StandInService(const QString& certificateDirectory, quint16 port = 0);

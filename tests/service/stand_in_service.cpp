@@ -14,13 +14,14 @@ using namespace Qt::StringLiterals;
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    QStringList ways;
-    for (const auto& [name, way] : StandInService::misbehaviours())
-        ways << name;
+    const auto& ways = StandInService::misbehaviours();
+    QStringList names;
+    for (const auto& [name, way] : ways)
+        names << name;
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Stands in for the service on loopback, and prints what it is asked.\n"
-        "Ways to misbehave: %1."_s.arg(ways.join(u", "_s)));
+        "Ways to misbehave: %1."_s.arg(names.join(u", "_s)));
     parser.addHelpOption();
     const QCommandLineOption port(u"port"_s, u"Listen here."_s, u"N"_s, u"0"_s);
     const QCommandLineOption directory(u"certificate"_s,
