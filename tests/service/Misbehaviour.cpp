@@ -18,21 +18,31 @@ void dripping(const StandInService&, QSslSocket& socket, const ServiceRequest&)
 /// In pieces of one byte, as fast as the client takes them.
 void endless(const StandInService&, QSslSocket& socket, const ServiceRequest&)
 {
-    static const auto pieces = QByteArray("1\r\nA\r\n").repeated(10'000);
+    static const auto chunks = QByteArray("1\r\nA\r\n").repeated(10'000);
     const auto writeMore = [&socket] {
-        if (socket.bytesToWrite() + socket.encryptedBytesToWrite() < pieces.size())
-            socket.write(pieces);
+        if (socket.bytesToWrite() + socket.encryptedBytesToWrite() < chunks.size())
+            socket.write(chunks);
     };
     QObject::connect(&socket, &QSslSocket::encryptedBytesWritten, &socket, writeMore);
     socket.write("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n");
     writeMore();
 }
 
+/// A picture in millions of pieces, of which the last one counts.
+void pieces(const StandInService& service, QSslSocket& socket, const ServiceRequest& request)
+{
+    auto guide = StandInService::guideAnswer;
+    guide.replace("base64,", "base64," + QByteArray("a,").repeated(2'000'000));
+    StandInService::answering(guide)(service, socket, request);
+}
+
 } // namespace
 
 const std::map<QString, StandInService::Behaviour>& StandInService::misbehaviours()
 {
-    static const std::map<QString, Behaviour> ways{
-        {u"silent"_s, [](auto&...) {}}, {u"dripping"_s, dripping}, {u"endless"_s, endless}};
+    static const std::map<QString, Behaviour> ways{{u"silent"_s, [](auto&...) {}},
+        {u"dripping"_s, dripping},
+        {u"endless"_s, endless},
+        {u"pieces"_s, pieces}};
     return ways;
 }

@@ -10,6 +10,10 @@
 
 #include <QTest>
 
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 /// Whether a record is decoded from this and encoded to the same, but for what it does not know.
@@ -68,6 +72,74 @@ private Q_SLOTS:
             QVERIFY2(json != StandInService::heartbeatAnswer, part);
             QVERIFY2(!decodeReply<HeartbeatResponse>(json), replacement);
         }
+    }
+
+    void value_hasTheFirstTypeThatFits()
+    {
+        using Integers = std::numeric_limits<qlonglong>;
+        const auto check =
+            [](const QByteArray& json, const QVariant& value, QByteArray encoded = {}) {
+                const auto any = decodeReply<JSONAny>(json).value();
+                QCOMPARE(any.value().typeId(), value.typeId());
+                QCOMPARE(any.value(), value);
+                QCOMPARE(std::get<QByteArray>(encodeJson(any)), encoded.isNull() ? json : encoded);
+            };
+        check("1", 1LL);
+        check("1.0", 1LL, "1");
+        check("-0.0", 0LL, "0");
+        check("1.5", 1.5);
+        check("9223372036854775807", Integers::max());
+        check("-9223372036854775808", Integers::min());
+        check("9223372036854775808.0", 0x1p63, "9.223372036854776e+18");
+        check("-9223372036854775809", -0x1p63, "-9.223372036854776e+18");
+        check("\"1\"", u"1"_s);
+        check("\"quote \\\" line\\n ü\"", u"quote \" line\n ü"_s);
+        check(R"([[false,null],{"a":{"b":[]}}])",
+            QVariantList{QVariantList{false, QVariant::fromValue(JSONNull())},
+                QVariantMap{{u"a"_s, QVariantMap{{u"b"_s, QVariantList()}}}}});
+        check(R"({"a":1,"a":"x"})", QVariantMap{{u"a"_s, u"x"_s}}, R"({"a":"x"})");
+        check("{\"\ufeffa\":\"\ufeff\ufeff\"}", QVariantMap{{u"\ufeffa"_s, u"\ufeff\ufeff"_s}});
+        check(R"("a\u0000b")", u"a\0b"_s);
+    }
+
+    void text_thatIsNoJsonOrBeyondTheLimits_yieldsNothing()
+    {
+        const auto isRefused = [](const QByteArray& text) { return !decodeReply<JSONAny>(text); };
+        const auto nested = [](int depth) {
+            return QByteArray(depth, '[') + QByteArray(depth, ']');
+        };
+        QVERIFY(isRefused(""));
+        QVERIFY(isRefused("{\"a\":[1,"));
+        QVERIFY(isRefused("1 2"));
+        QVERIFY(isRefused(QByteArray("1\0002", 3)));
+        QVERIFY(isRefused("1e400"));
+        QVERIFY(isRefused("\"\xff\"")); // not UTF-8
+        QVERIFY(!isRefused(nested(512)));
+        QVERIFY(isRefused(nested(513)));
+        QVERIFY(!isRefused('"' + QByteArray("\\\",[").repeated(100'000) + '"'));
+        QVERIFY(isRefused("[0" + QByteArray(",0").repeated(100'000) + ']'));
+        QVERIFY(isRefused("[{}" + QByteArray(",{}").repeated(99'999) + ']'));
+    }
+
+    void failure_saysWhatItIsAndWhere()
+    {
+        const nlohmann::json document{{"list", {1, {{"inner", nlohmann::json::binary({1})}}}}};
+        const auto unknown = std::get<CodingError>(decodeJson<JSONAny>(document));
+        QCOMPARE(unknown.expectedType, u"JSONAny"_s);
+        QCOMPARE(unknown.debugDescription, u"Cannot decode JSONAny"_s);
+        QCOMPARE(unknown.codingPath.size(), std::size_t{2});
+        QCOMPARE(unknown.codingPath.at(1).stringValue(), u"Index 1"_s);
+
+        const auto notNull = std::get<CodingError>(decodeJson<JSONNull>(nlohmann::json(0)));
+        QCOMPARE(notNull.expectedType, u"JSONNull"_s);
+        QCOMPARE(notNull.debugDescription, u"Wrong type for JSONNull"_s);
+
+        std::string text;
+        std::optional<CodingError> error;
+        JSONAny::encode(QVariantList{true, QVariantList{qInf()}}, JSONEncoder(text, error));
+        QCOMPARE(error.value().debugDescription, u"Cannot encode JSONAny"_s);
+        QCOMPARE(error->value, qInf());
+        QCOMPARE(error->codingPath.size(), std::size_t{1});
     }
 };
 

@@ -23,40 +23,31 @@ int main(int argc, char** argv)
         u"Stands in for the service on loopback, and prints what it is asked.\n"
         "Ways to misbehave: %1."_s.arg(names.join(u", "_s)));
     parser.addHelpOption();
-    const QCommandLineOption port(u"port"_s, u"Listen here."_s, u"N"_s, u"0"_s);
-    const QCommandLineOption directory(u"certificate"_s,
-        u"Directory of certificate.pem and key.pem; they are made if missing."_s,
-        u"DIRECTORY"_s,
-        QDir::tempPath() + u"/tavelor-stand-in"_s);
-    const QCommandLineOption offer(u"offer"_s, u"Offer this version."_s, u"VERSION"_s);
-    const QCommandLineOption misbehave(
-        u"misbehave"_s, u"Do this instead of answering."_s, u"WAY"_s);
-    const QCommandLineOption answer(
-        u"answer"_s, u"Answer everything with the text in this file."_s, u"FILE"_s);
-    parser.addOptions({port, directory, offer, misbehave, answer});
+    const auto defaultDirectory = QDir::tempPath() + u"/tavelor-stand-in"_s;
+    parser.addOptions({{u"port"_s, u"Listen here."_s, u"N"_s, u"0"_s},
+        {u"certificate"_s,
+            u"Directory of certificate.pem and key.pem; they are made if missing."_s,
+            u"DIRECTORY"_s,
+            defaultDirectory},
+        {u"offer"_s, u"Offer this version."_s, u"VERSION"_s},
+        {u"misbehave"_s, u"Do this instead of answering."_s, u"WAY"_s}});
     parser.process(application);
 
-    const auto certificates = parser.value(directory);
+    const auto certificates = parser.value(u"certificate"_s);
     if (!QFile::exists(certificates + u"/certificate.pem"_s)) {
         QDir().mkpath(certificates);
         OpenSsl::makeCertificate(certificates);
     }
-    StandInService service(certificates, parser.value(port).toUShort());
-    if (parser.isSet(offer)) {
-        constexpr auto json =
-            R"({"url":"https://example.com/","ver":"%1","exp":"<b>New</b> in %1"})";
-        service.setOffer(QString::fromLatin1(json).arg(parser.value(offer)).toUtf8());
+    StandInService service(certificates, parser.value(u"port"_s).toUShort());
+    if (const auto version = parser.value(u"offer"_s); !version.isEmpty()) {
+        const auto offer =
+            uR"({"url":"https://example.com/","ver":"%1","exp":"<b>New</b> in %1"})"_s;
+        service.setOffer(offer.arg(version).toUtf8());
     }
-    if (parser.isSet(misbehave)) {
-        if (!ways.contains(parser.value(misbehave)))
+    if (const auto way = parser.value(u"misbehave"_s); !way.isEmpty()) {
+        if (!names.contains(way))
             parser.showHelp(2);
-        service.setBehaviour(StandInService::misbehaviours().at(parser.value(misbehave)));
-    }
-    if (parser.isSet(answer)) {
-        QFile file(parser.value(answer));
-        if (!file.open(QIODevice::ReadOnly))
-            qFatal("cannot read %s", qUtf8Printable(file.fileName()));
-        service.setBehaviour(StandInService::answering(file.readAll()));
+        service.setBehaviour(ways.at(way));
     }
     QObject::connect(&service, &StandInService::requested, [](const ServiceRequest& request) {
         std::printf("%d %s\n", request.function, request.text.constData());
