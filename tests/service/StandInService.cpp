@@ -56,17 +56,11 @@ std::vector<ServiceRequest> StandInService::requests(int function) const
     return found;
 }
 
-QByteArray StandInService::answer(int function) const
-{
-    return function == 21 ? heartbeatAnswer
-           : function == 214
-               ? guideAnswer
-               : R"({"status":1)" + (m_offer.isEmpty() ? "" : ",\"data\":" + m_offer) + '}';
-}
-
 void StandInService::replyProperly(QSslSocket& socket, const ServiceRequest& request) const
 {
-    reply(socket, OpenSsl::cipher(answer(request.function)));
+    const auto offer = R"({"status":1)" + (m_offer.isEmpty() ? "" : ",\"data\":" + m_offer) + '}';
+    const QHash<int, QByteArray> answers{{21, heartbeatAnswer}, {24, offer}, {214, guideAnswer}};
+    reply(socket, OpenSsl::cipher(answers.value(request.function)));
 }
 
 StandInService::Behaviour StandInService::answering(const QByteArray& text)

@@ -1,13 +1,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QMap>
 #include <QObject>
 #include <QSslServer>
 #include <QSslSocket>
 #include <QString>
 
 #include <functional>
-#include <map>
 #include <vector>
 
 /// A request as it arrived.
@@ -46,12 +46,10 @@ public:
     /// The record under "data" in the upgrade check's answer; an empty text for none.
     void setOffer(const QByteArray& json) { m_offer = json; }
 
-    /// The plain text of the answer to a function.
-    QByteArray answer(int function) const;
-    /// That answer, as it has to be.
+    /// Answers as it has to.
     void replyProperly(QSslSocket& socket, const ServiceRequest& request) const;
     /// Ways to keep a client waiting, by their names.
-    static const std::map<QString, Behaviour>& misbehaviours();
+    static QMap<QString, Behaviour> misbehaviours();
     /// Answers everything with this text, enciphered.
     static Behaviour answering(const QByteArray& text);
     /// Sends `body` as an HTTP reply and closes.

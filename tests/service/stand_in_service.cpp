@@ -14,14 +14,11 @@ using namespace Qt::StringLiterals;
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    const auto& ways = StandInService::misbehaviours();
-    QStringList names;
-    for (const auto& [name, way] : ways)
-        names << name;
+    const auto ways = StandInService::misbehaviours();
     QCommandLineParser parser;
     parser.setApplicationDescription(
         u"Stands in for the service on loopback, and prints what it is asked.\n"
-        "Ways to misbehave: %1."_s.arg(names.join(u", "_s)));
+        "Ways to misbehave: %1."_s.arg(ways.keys().join(u", "_s)));
     parser.addHelpOption();
     const auto defaultDirectory = QDir::tempPath() + u"/tavelor-stand-in"_s;
     parser.addOptions({{u"port"_s, u"Listen here."_s, u"N"_s, u"0"_s},
@@ -45,9 +42,9 @@ int main(int argc, char** argv)
         service.setOffer(offer.arg(version).toUtf8());
     }
     if (const auto way = parser.value(u"misbehave"_s); !way.isEmpty()) {
-        if (!names.contains(way))
+        if (!ways.contains(way))
             parser.showHelp(2);
-        service.setBehaviour(ways.at(way));
+        service.setBehaviour(ways.value(way));
     }
     QObject::connect(&service, &StandInService::requested, [](const ServiceRequest& request) {
         std::printf("%d %s\n", request.function, request.text.constData());
