@@ -17,8 +17,6 @@ public:
             qFatal("The output cannot be captured.");
     }
     ~CapturedOutput() { restore(); }
-    CapturedOutput(const CapturedOutput&) = delete;
-    CapturedOutput& operator=(const CapturedOutput&) = delete;
 
     /// All of it; what is written from now on goes where it went before.
     QByteArray text()

@@ -10,17 +10,15 @@ class TemporaryHome {
 public:
     TemporaryHome();
     ~TemporaryHome();
-    TemporaryHome(const TemporaryHome&) = delete;
-    TemporaryHome& operator=(const TemporaryHome&) = delete;
 
     QString path() const { return m_directory.path(); }
-    QString container() const; ///< what the helper and its companion share
-    QString suiteFile() const;
-    QString databaseFile() const;
+    /// What the helper and its companion share.
+    QString container() const { return path() + "/share/K7ZT3QW9RB.tavelor"; }
+    QString suiteFile() const { return container() + "/Preferences/K7ZT3QW9RB.tavelor.conf"; }
+    QString databaseFile() const { return container() + "/Application Support/Fendix.db"; }
 
     /// Replaces or adds one line "key=value" as a person with a text editor would, and saves.
     void writeSuiteValue(const QString& key, const QString& value) const;
-    void removeSuiteValue(const QString& key) const;
     /// The text after "key=", or a null string.
     QString suiteValue(const QString& key) const;
 

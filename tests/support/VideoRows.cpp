@@ -2,143 +2,91 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QVariant>
 
 #include <sqlite3.h>
 
-#include <memory>
+using namespace Qt::StringLiterals;
 
 namespace {
 
-struct Closer {
-    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-};
-
-std::unique_ptr<sqlite3, Closer> open(const QString& databaseFile)
+std::shared_ptr<sqlite3> open(const QString& databaseFile)
 {
     QDir().mkpath(QFileInfo(databaseFile).path());
     sqlite3* connection = nullptr;
     if (sqlite3_open(databaseFile.toUtf8().constData(), &connection) != SQLITE_OK)
         qFatal("Cannot open %s.", qUtf8Printable(databaseFile));
-    return std::unique_ptr<sqlite3, Closer>(connection);
+    sqlite3_busy_timeout(connection, 5000); // the helper may be reading
+    return {connection, sqlite3_close};     // which ends a transaction
 }
 
-void run(sqlite3* connection, const QString& sql)
+QStringList run(const std::shared_ptr<sqlite3>& connection, const QString& sql)
 {
-    char* error = nullptr;
-    if (sqlite3_exec(connection, sql.toUtf8().constData(), nullptr, nullptr, &error) != SQLITE_OK)
-        qFatal("%s: %s", qUtf8Printable(sql), error);
+    QStringList found;
+    const auto add = [](void* list, int, char** values, char**) {
+        static_cast<QStringList*>(list)->append(QString::fromUtf8(values[0]));
+        return 0;
+    };
+    const auto text = sql.toUtf8();
+    if (sqlite3_exec(connection.get(), text.constData(), add, &found, nullptr) != SQLITE_OK)
+        qFatal("%s: %s", text.constData(), sqlite3_errmsg(connection.get()));
+    return found;
 }
 
-QString quoted(QString text)
+QString quoted(const QVariant& value)
 {
-    return u'\'' + text.replace(u'\'', QStringLiteral("''")) + u'\'';
+    return u'\'' + value.toString().replace(u'\'', u"''"_s) + u'\'';
 }
 
 } // namespace
 
-VideoRows::Writer::Writer(const QString& databaseFile) : m_connection(open(databaseFile).release())
+VideoRows::Writer::Writer(const QString& databaseFile) : m_connection(open(databaseFile))
 {
-    run(m_connection.get(), QStringLiteral("begin exclusive"));
-}
-
-void VideoRows::Writer::Closer::operator()(sqlite3* connection) const
-{
-    sqlite3_close(connection); // ends the transaction
+    run(m_connection, u"begin exclusive"_s);
 }
 
 void VideoRows::createTable(const QString& databaseFile)
 {
     execute(databaseFile,
-        QStringLiteral(
-            "create table LocalVideos (vid int, sign text, preurl text, title text, url text, "
-            "description text, time int, size int, imgurl text, imgsize int, tags text, "
-            "ratio text, width int, height int, frame int, rate int, audio int, uptime text, "
-            "down int, view int, author text, avatar text, avatarsize int, hp text, "
-            "upcount int)"));
+        u"create table LocalVideos (vid int, sign text, preurl text, title text, url text, "
+        "description text, time int, size int, imgurl text, imgsize int, tags text, ratio text, "
+        "width int, height int, frame int, rate int, audio int, uptime text, down int, view int, "
+        "author text, avatar text, avatarsize int, hp text, upcount int)"_s);
 }
 
 VideoDetail VideoRows::row(const QString& sign, const QString& url)
 {
     // Every member another value, so that two that are exchanged are noticed.
-    return {1,
-        sign,
-        QStringLiteral("pre"),
-        QStringLiteral("title"),
-        url,
-        QStringLiteral("text"),
-        2,
-        3,
-        QStringLiteral("img"),
-        4,
-        QStringLiteral("tags"),
-        QStringLiteral("16:9"),
-        5,
-        6,
-        7,
-        8,
-        9,
-        QStringLiteral("up"),
-        10,
-        11,
-        QStringLiteral("author"),
-        QStringLiteral("avatar"),
-        12,
-        QStringLiteral("hp"),
-        13};
+    int count = 0;
+    const auto value = [&]<typename Value>(const JSONMember<VideoDetail, Value>& of) {
+        if constexpr (std::is_same_v<std::remove_const_t<Value>, QString>)
+            return of.key == "sign" ? sign : of.key == "url" ? url : QString::number(++count);
+        else
+            return ++count;
+    };
+    return std::apply(
+        [&](const auto&... of) { return VideoDetail{value(of)...}; }, VideoDetail::jsonMembers());
 }
 
 void VideoRows::insert(const QString& databaseFile, const std::vector<VideoDetail>& rows)
 {
     const auto connection = open(databaseFile);
-    run(connection.get(), QStringLiteral("begin"));
+    run(connection, u"begin"_s);
     for (const auto& row : rows) {
-        const QStringList values{QString::number(row.id),
-            quoted(row.sign),
-            quoted(row.preurl),
-            quoted(row.title),
-            quoted(row.url),
-            quoted(row.description),
-            QString::number(row.time),
-            QString::number(row.size),
-            quoted(row.imgurl),
-            QString::number(row.imgsize),
-            quoted(row.tags),
-            quoted(row.ratio),
-            QString::number(row.width),
-            QString::number(row.height),
-            QString::number(row.frame),
-            QString::number(row.rate),
-            QString::number(row.audio),
-            quoted(row.uptime),
-            QString::number(row.down),
-            QString::number(row.view),
-            quoted(row.author),
-            quoted(row.avatar),
-            QString::number(row.avatarsize),
-            quoted(row.hp),
-            QString::number(row.upcount)};
-        run(connection.get(),
-            QStringLiteral("insert into LocalVideos values (%1)").arg(values.join(u',')));
+        const auto values =
+            std::apply([&](const auto&... of) { return QStringList{quoted(row.*of.member)...}; },
+                VideoDetail::jsonMembers());
+        run(connection, u"insert into LocalVideos values (%1)"_s.arg(values.join(u',')));
     }
-    run(connection.get(), QStringLiteral("commit"));
+    run(connection, u"commit"_s);
 }
 
-void VideoRows::execute(const QString& databaseFile, const QString& sql)
+QStringList VideoRows::execute(const QString& databaseFile, const QString& sql)
 {
-    run(open(databaseFile).get(), sql);
+    return run(open(databaseFile), sql);
 }
 
 QStringList VideoRows::signs(const QString& databaseFile)
 {
-    QStringList signs;
-    sqlite3_exec(
-        open(databaseFile).get(),
-        "select sign from LocalVideos",
-        [](void* list, int, char** values, char**) {
-            static_cast<QStringList*>(list)->append(QString::fromUtf8(values[0]));
-            return 0;
-        },
-        &signs,
-        nullptr);
-    return signs;
+    return execute(databaseFile, u"select sign from LocalVideos"_s);
 }

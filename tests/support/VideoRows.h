@@ -2,7 +2,7 @@
 
 #include "service/VideoDetail.h"
 
-#include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <vector>
@@ -19,10 +19,7 @@ public:
     explicit Writer(const QString& databaseFile);
 
 private:
-    struct Closer {
-        void operator()(sqlite3* connection) const;
-    };
-    std::unique_ptr<sqlite3, Closer> m_connection;
+    std::shared_ptr<sqlite3> m_connection;
 };
 
 /// Makes the file, with an empty table that has all columns.
@@ -31,8 +28,8 @@ void createTable(const QString& databaseFile);
 VideoDetail row(const QString& sign, const QString& url);
 void insert(const QString& databaseFile, const std::vector<VideoDetail>& rows);
 
-/// Runs any SQL; the test ends when it fails.
-void execute(const QString& databaseFile, const QString& sql);
+/// Runs any SQL and gives the first column of what it finds; the test ends when it fails.
+QStringList execute(const QString& databaseFile, const QString& sql);
 
 /// The signs in the file, in the table's order.
 QStringList signs(const QString& databaseFile);
