@@ -4,30 +4,32 @@
 
 #include <QStringList>
 
+#include <utility>
 #include <vector>
 
 class PlayerItem;
 
 /// What the recording bodies were told and what they tell.
-namespace Recording {
+class Recording {
+public:
+    /// One line a call, oldest first: "window 1 back", "player play", "item red.mp4" and so on.
+    /// Windows are numbered from 1 in the order in which they are made.
+    static QStringList& lines() { return s_lines; }
+    /// Takes the lines.
+    static QStringList take() { return std::exchange(s_lines, {}); }
 
-/// One line a call, oldest first: "window 1 back", "player play", "item red.mp4" and so on.
-/// Windows are numbered from 1 in the order in which they are made.
-QStringList& lines();
-/// Takes the lines.
-QStringList take();
+    /// The screens that there are.
+    static std::vector<Screen>& screens() { return s_screens; }
 
-/// The screens that there are.
-std::vector<Screen>& screens();
+    /// The item that the player has now; null for none, and while there is no player.
+    static PlayerItem* currentItem();
+    /// What happens to a video that cannot be played.
+    static void failCurrentItem();
 
-/// The item that the player has now; null for none, and while there is no player.
-PlayerItem* currentItem();
-/// What happens to a video that cannot be played.
-void failCurrentItem();
-/// A click on the last window made.
-void click();
+    /// Forgets everything, for the next test.
+    static void reset();
 
-/// Forgets everything, for the next test.
-void reset();
-
-} // namespace Recording
+private:
+    static inline QStringList s_lines;
+    static inline std::vector<Screen> s_screens;
+};

@@ -2,28 +2,28 @@
 #include "platform/Recording.h"
 #include "platform/StatusBar.h"
 
+using namespace Qt::StringLiterals;
+
 // The application whose messages a test sends by itself, on a desktop without a status bar.
 
 class Application::Body {};
 
 Application::Application(int& /*argc*/, char** /*argv*/) {}
-
 Application::~Application() = default;
 
 QString Application::didChangeScreenParametersNotification()
 {
-    return QStringLiteral("screen parameters");
+    return u"screen parameters"_s;
 }
 
 void Application::terminate()
 {
-    Recording::lines().append(QStringLiteral("terminate"));
+    Recording::lines().append(u"terminate"_s);
 }
 
 class StatusBar::Body {};
 
 StatusBar::StatusBar() = default;
-
 StatusBar::~StatusBar() = default;
 
 StatusBar& StatusBar::shared()

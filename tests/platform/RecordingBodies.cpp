@@ -1,28 +1,21 @@
 #include "platform/DesktopWindow.h"
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/Player.h"
-#include "platform/PlayerLayerView.h"
 #include "platform/Recording.h"
-#include "platform/Screen.h"
 #include "platform/Workspace.h"
 
 #include "base/NotificationCenter.h"
 
-#include <utility>
+using namespace Qt::StringLiterals;
 
 namespace {
 
 int windowCount = 0;
 Player::Body* playerBody = nullptr;
-std::function<void()> lastClickAction;
 
-QString text(const QRect& rectangle)
+QString text(const QRect& frame)
 {
-    return QStringLiteral("%1,%2 %3x%4")
-        .arg(rectangle.x())
-        .arg(rectangle.y())
-        .arg(rectangle.width())
-        .arg(rectangle.height());
+    return u"%1,%2 %3x%4"_s.arg(frame.x()).arg(frame.y()).arg(frame.width()).arg(frame.height());
 }
 
 void record(const QString& line)
@@ -41,10 +34,7 @@ std::vector<Screen> Screen::screens()
 
 class DesktopWindow::Body {
 public:
-    void record(const QString& line) const
-    {
-        ::record(QStringLiteral("window %1 %2").arg(number).arg(line));
-    }
+    void record(const QString& line) const { ::record(u"window %1 "_s.arg(number) + line); }
 
     int number = ++windowCount;
     std::vector<std::unique_ptr<PlayerLayerView>> views;
@@ -54,8 +44,7 @@ DesktopWindow::DesktopWindow(
     const QRect& contentRect, WindowStyle style, WindowBacking backing, Defer, const Screen& screen)
     : m_body(std::make_unique<Body>())
 {
-    m_body->record(QStringLiteral("made %1 style %2 backing %3 on %4")
-                       .arg(text(contentRect))
+    m_body->record(u"made %1 style %2 backing %3 on %4"_s.arg(text(contentRect))
                        .arg(static_cast<unsigned>(style))
                        .arg(static_cast<unsigned>(backing))
                        .arg(screen.name));
@@ -65,38 +54,37 @@ DesktopWindow::~DesktopWindow() = default;
 
 void DesktopWindow::setCollectionBehavior(WindowCollectionBehavior behavior)
 {
-    m_body->record(QStringLiteral("behavior %1").arg(static_cast<unsigned>(behavior)));
+    m_body->record(u"behavior %1"_s.arg(static_cast<unsigned>(behavior)));
 }
 
 void DesktopWindow::setLevel(WindowLevel level)
 {
-    m_body->record(QStringLiteral("level %1").arg(static_cast<int>(level)));
+    m_body->record(u"level %1"_s.arg(static_cast<int>(level)));
 }
 
 void DesktopWindow::orderBack()
 {
-    m_body->record(QStringLiteral("back"));
+    m_body->record(u"back"_s);
 }
 
 void DesktopWindow::orderFront()
 {
-    m_body->record(QStringLiteral("front"));
+    m_body->record(u"front"_s);
 }
 
 void DesktopWindow::orderOut()
 {
-    m_body->record(QStringLiteral("out"));
+    m_body->record(u"out"_s);
 }
 
-void DesktopWindow::setClickAction(std::function<void()> action)
+void DesktopWindow::setClickAction(std::function<void()> /*action*/)
 {
-    lastClickAction = std::move(action);
-    m_body->record(QStringLiteral("click action"));
+    m_body->record(u"click action"_s);
 }
 
 void DesktopWindow::addSubview(std::unique_ptr<PlayerLayerView> view)
 {
-    m_body->record(QStringLiteral("view %1").arg(text(view->frame())));
+    m_body->record(u"view "_s + text(view->frame()));
     m_body->views.push_back(std::move(view));
 }
 
@@ -136,7 +124,7 @@ public:
 
 Player::Player(std::unique_ptr<PlayerItem> item) : m_body(std::make_unique<Body>())
 {
-    record(QStringLiteral("player made"));
+    record(u"player made"_s);
     playerBody = m_body.get();
     replaceCurrentItem(std::move(item));
 }
@@ -148,29 +136,29 @@ Player::~Player()
 
 void Player::play()
 {
-    record(QStringLiteral("player play"));
+    record(u"player play"_s);
 }
 
 void Player::pause()
 {
-    record(QStringLiteral("player pause"));
+    record(u"player pause"_s);
 }
 
 void Player::setVolume(float volume)
 {
     m_body->volume = volume;
-    record(QStringLiteral("player volume %1").arg(static_cast<double>(volume)));
-}
-
-float Player::volume() const
-{
-    return m_body->volume;
+    record(u"player volume %1"_s.arg(static_cast<double>(volume)));
 }
 
 void Player::setMuted(bool muted)
 {
     m_body->isMuted = muted;
-    record(QStringLiteral("player muted %1").arg(muted));
+    record(u"player muted %1"_s.arg(muted));
+}
+
+float Player::volume() const
+{
+    return m_body->volume;
 }
 
 bool Player::isMuted() const
@@ -180,7 +168,7 @@ bool Player::isMuted() const
 
 void Player::setActionAtItemEnd(ActionAtItemEnd action)
 {
-    record(QStringLiteral("player action at end %1").arg(static_cast<int>(action)));
+    record(u"player action at end %1"_s.arg(static_cast<int>(action)));
 }
 
 void Player::replaceCurrentItem(std::unique_ptr<PlayerItem> item)
@@ -188,14 +176,10 @@ void Player::replaceCurrentItem(std::unique_ptr<PlayerItem> item)
     if (m_body->item)
         m_body->item.release()->deleteLater();
     m_body->item = std::move(item);
-    if (!m_body->item) {
-        record(QStringLiteral("item none"));
-        return;
-    }
-    record(QStringLiteral("item %1").arg(m_body->item->url().fileName()));
-    QObject::connect(m_body->item.get(), &PlayerItem::seekToZeroRequested, m_body->item.get(), [] {
-        record(QStringLiteral("item seek 0"));
-    });
+    record(u"item "_s + (m_body->item ? m_body->item->url().fileName() : u"none"_s));
+    if (auto* const current = currentItem())
+        QObject::connect(
+            current, &PlayerItem::seekToZeroRequested, current, [] { record(u"item seek 0"_s); });
 }
 
 PlayerItem* Player::currentItem() const
@@ -213,17 +197,11 @@ void Recording::failCurrentItem()
     Player::Body::setStatus(*currentItem(), PlayerItem::Status::Failed);
 }
 
-void Recording::click()
-{
-    lastClickAction();
-}
-
 void Recording::reset()
 {
-    lines().clear();
-    screens().clear();
+    s_lines.clear();
+    s_screens.clear();
     windowCount = 0;
-    lastClickAction = nullptr;
 }
 
 // -- notifications and the workspace
@@ -234,7 +212,6 @@ public:
 };
 
 DistributedNotificationCenter::DistributedNotificationCenter() : m_body(std::make_unique<Body>()) {}
-
 DistributedNotificationCenter::~DistributedNotificationCenter() = default;
 
 DistributedNotificationCenter& DistributedNotificationCenter::defaultCenter()
@@ -251,7 +228,7 @@ Disposable DistributedNotificationCenter::addObserver(
 
 void DistributedNotificationCenter::setSuspended(bool isSuspended)
 {
-    record(QStringLiteral("notifications suspended %1").arg(isSuspended));
+    record(u"notifications suspended %1"_s.arg(isSuspended));
 }
 
 void DistributedNotificationCenter::post(const QString& name)
@@ -272,10 +249,7 @@ Workspace& Workspace::shared()
 
 void Workspace::launchApplication(const QString& identifier)
 {
-    record(QStringLiteral("launch %1").arg(identifier));
+    record(u"launch "_s + identifier);
 }
 
-void Workspace::openUrl(const QUrl& url)
-{
-    record(QStringLiteral("open %1").arg(url.toString()));
-}
+void Workspace::openUrl(const QUrl&) {}
