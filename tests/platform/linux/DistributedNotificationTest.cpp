@@ -2,15 +2,8 @@
 #include "platform/linux/BusDaemon.h"
 
 #include <QDBusMessage>
-#include <QDBusMetaType>
-#include <QDBusObjectPath>
-#include <QDBusSignature>
-#include <QDBusUnixFileDescriptor>
-#include <QDBusVariant>
 #include <QRect>
 #include <QTest>
-
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -31,43 +24,21 @@ public:
 private Q_SLOTS:
     void init() { m_heard.clear(); }
 
-    void notification_isDeliveredWhateverItSays()
+    void notification_isDelivered_otherSignaturesAreNot()
     {
-        post({u"a"_s, u"object"_s, QVariantMap{{u"key"_s, 1}, {u"deep"_s, deepVariant(50)}}});
-        QTRY_COMPARE(m_heard, QStringList{u"a"_s});
-    }
-
-    void otherSignature_isIgnored_data()
-    {
-        qDBusRegisterMetaType<QMap<QString, QString>>();
-        qDBusRegisterMetaType<QMap<int, QStringList>>();
-        QTest::addColumn<QVariantList>("arguments");
-        const auto row = [](const char* name, const QVariantList& arguments) {
-            QTest::newRow(name) << arguments;
-        };
-        row("nothing", {});
-        row("a name only", {u"a"_s});
-        row("no information", {u"a"_s, QString()});
-        row("a{ss}",
-            {u"a"_s, QString(), QVariant::fromValue(QMap<QString, QString>{{u"a"_s, u"b"_s}})});
-        row("a{ias}",
-            {u"a"_s, QString(), QVariant::fromValue(QMap<int, QStringList>{{1, {u"a"_s}}})});
-        row("a rectangle", {u"a"_s, QString(), QRect(1, 2, 3, 4)}); // a structure
-        row("more than three", {u"a"_s, QString(), QVariantMap(), 1});
-        row("numbers", {1, 2.0, QVariantMap()});
-        row("a list", {u"a"_s, QString(), QStringList{u"a"_s}});
-        row("a variant", {u"a"_s, QString(), deepVariant(50)});
-        row("variants for texts", {deepVariant(1), deepVariant(1), QVariantMap()});
-        row("a path", {QVariant::fromValue(QDBusObjectPath(u"/a"_s)), QString(), QVariantMap()});
-        row("a descriptor",
-            {QVariant::fromValue(QDBusUnixFileDescriptor(STDIN_FILENO)), QString(), QVariantMap()});
-    }
-
-    void otherSignature_isIgnored()
-    {
-        QFETCH(QVariantList, arguments);
-        post(arguments);
-        post({u"last"_s, QString(), QVariantMap()});
+        for (const QVariantList& arguments : {QVariantList{},
+                 {u"a"_s},
+                 {u"a"_s, QString(), QRect(1, 2, 3, 4)}, // a structure
+                 {u"a"_s, QString(), QStringList{u"a"_s}},
+                 {1, 2.0, QVariantMap()},
+                 {u"a"_s, QString(), QVariantMap(), 1},
+                 {u"last"_s, u"object"_s, QVariantMap{{u"key"_s, 1}}}}) {
+            auto signal = QDBusMessage::createSignal(u"/com/zemra/tavelor"_s,
+                u"com.zemra.tavelor.DistributedNotification"_s,
+                u"Posted"_s);
+            signal.setArguments(arguments);
+            QVERIFY(m_bus.connection().send(signal));
+        }
         QTRY_COMPARE(m_heard, QStringList{u"last"_s});
     }
 
@@ -87,21 +58,6 @@ private Q_SLOTS:
     }
 
 private:
-    static QVariant deepVariant(int depth)
-    {
-        QVariant value(1);
-        for (int i = 0; i < depth; ++i)
-            value = QVariant::fromValue(QDBusVariant(value));
-        return value;
-    }
-    void post(const QVariantList& arguments) const
-    {
-        auto signal = QDBusMessage::createSignal(
-            u"/com/zemra/tavelor"_s, u"com.zemra.tavelor.DistributedNotification"_s, u"Posted"_s);
-        signal.setArguments(arguments);
-        QVERIFY(m_bus.connection().send(signal));
-    }
-
     BusDaemon m_bus;
     std::optional<DistributedNotificationCenter> m_center;
     std::vector<Disposable> m_observations;
