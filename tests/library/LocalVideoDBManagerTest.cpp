@@ -51,60 +51,41 @@ struct Fixture {
     QString file = home.databaseFile();
 };
 
+using Act = void (*)(const QString&);
+
 /// What people, programs and full disks do to the library.
-void dropTable(const QString& file)
-{
+const Act dropTable = [](const QString& file) {
     VideoRows::execute(file, u"create table t (a); drop table t"_s);
-}
-void addOtherTable(const QString& file)
-{
-    VideoRows::execute(file, u"create table t (a)"_s);
-}
-void writeList(const QString& file)
-{
+};
+const Act writeList = [](const QString& file) {
     TemporaryHome::writeFile(file, QByteArray("I am a shopping list.\n").repeated(100));
-}
-void cutOff(const QString& file)
-{
+};
+const Act cutOff = [](const QString& file) {
     TemporaryHome::writeFile(file, QByteArray("SQLite format 3\0\x10\x00\x01\x01\x00", 21));
-}
-void makeFolder(const QString& file)
-{
-    QDir().mkpath(file);
-}
-void makePipe(const QString& file)
-{
-    mkfifo(file.toUtf8().constData(), 0600);
-}
-void makeLink(const QString& file)
-{
+};
+const Act makeLink = [](const QString& file) {
     QFile::link(u"on-a-drive-that-is-away.db"_s, file);
-}
-void deleteFile(const QString& file)
-{
-    QFile::remove(file);
-}
-void empty(const QString& file)
-{
-    QFile::resize(file, 0);
-}
-void replace(const QString& file)
-{
+};
+const Act makeFolder = [](const QString& file) { QDir().mkpath(file); };
+const Act makePipe = [](const QString& file) { mkfifo(file.toUtf8().constData(), 0600); };
+const Act deleteFile = [](const QString& file) { QFile::remove(file); };
+const Act empty = [](const QString& file) { QFile::resize(file, 0); };
+const Act addOtherTable = [](const QString& file) {
+    VideoRows::execute(file, u"create table t (a)"_s);
+};
+const Act replace = [](const QString& file) {
     makeLibrary(file + u".new"_s, {u"y"_s});
     rename((file + u".new"_s).toUtf8().constData(), file.toUtf8().constData());
-}
-void copyOver(const QString& file)
-{
+};
+const Act copyOver = [](const QString& file) {
     makeLibrary(file + u".new"_s, {u"y"_s}); // as large and as often written as the other
     QFile target(file);
-    if (!target.open(QIODevice::WriteOnly) ||
-        target.write(TemporaryHome::contents(file + u".new"_s)) < 0)
-        qFatal("Cannot write %s.", qUtf8Printable(file));
-}
+    QVERIFY(target.open(QIODevice::WriteOnly));
+    target.write(TemporaryHome::contents(file + u".new"_s));
+};
 
 } // namespace
 
-using Act = void (*)(const QString&);
 Q_DECLARE_METATYPE(Act)
 
 class LocalVideoDBManagerTest : public QObject {
@@ -166,12 +147,12 @@ private Q_SLOTS:
     {
         QTest::addColumn<Act>("make");
         QTest::addColumn<bool>("opens");
-        QTest::newRow("not a database") << &writeList << true;
-        QTest::newRow("cut off") << &cutOff << true;
-        QTest::newRow("another program's") << &addOtherTable << true;
-        QTest::newRow("folder") << &makeFolder << false;
-        QTest::newRow("pipe") << &makePipe << false;
-        QTest::newRow("link to a drive that is away") << &makeLink << false;
+        QTest::newRow("not a database") << writeList << true;
+        QTest::newRow("cut off") << cutOff << true;
+        QTest::newRow("another program's") << addOtherTable << true;
+        QTest::newRow("folder") << makeFolder << false;
+        QTest::newRow("pipe") << makePipe << false;
+        QTest::newRow("link to a drive that is away") << makeLink << false;
     }
 
     void libraryThatCannotBeRead_isLeftAloneAndReadOnceItIsPutRight()
@@ -212,10 +193,10 @@ private Q_SLOTS:
     void fileThatBecomesAnother_isReadAnew_data()
     {
         QTest::addColumn<Act>("change");
-        QTest::newRow("replaced") << &replace;
-        QTest::newRow("copied over") << &copyOver;
-        QTest::newRow("deleted") << &deleteFile;
-        QTest::newRow("emptied") << &empty;
+        QTest::newRow("replaced") << replace;
+        QTest::newRow("copied over") << copyOver;
+        QTest::newRow("deleted") << deleteFile;
+        QTest::newRow("emptied") << empty;
     }
 
     void fileThatBecomesAnother_isReadAnew()
@@ -237,9 +218,9 @@ private Q_SLOTS:
     void libraryWithoutATable_isSeededOnce_data()
     {
         QTest::addColumn<Act>("make");
-        QTest::newRow("missing") << &deleteFile;
-        QTest::newRow("empty") << &empty;
-        QTest::newRow("with its table dropped") << &dropTable;
+        QTest::newRow("missing") << deleteFile;
+        QTest::newRow("empty") << empty;
+        QTest::newRow("with its table dropped") << dropTable;
     }
 
     void libraryWithoutATable_isSeededOnce()
@@ -283,8 +264,8 @@ private Q_SLOTS:
     void lockedLibrary_isBusyAndNotWaitedFor_data()
     {
         QTest::addColumn<Act>("make");
-        QTest::newRow("with a table") << &replace;
-        QTest::newRow("whose table is just being made") << &dropTable;
+        QTest::newRow("with a table") << replace;
+        QTest::newRow("whose table is just being made") << dropTable;
     }
 
     void lockedLibrary_isBusyAndNotWaitedFor()
@@ -315,22 +296,13 @@ private Q_SLOTS:
         QCOMPARE(signs(*library), QStringList{u"y"_s});
     }
 
-    void urls_areMadeOfWhatRowsHold_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("localFile"); // empty where it is none
-        QTest::newRow("file URL") << u"file:///v/%C3%BC%23.mp4"_s << u"/v/ü#.mp4"_s;
-        QTest::newRow("of this machine") << u"file://localhost/v/a.mp4"_s << u"/v/a.mp4"_s;
-        QTest::newRow("plain path") << u"/v/50% #1?.mp4"_s << u"/v/50% #1?.mp4"_s;
-        QTest::newRow("of the web") << u"https://example.org/a.mp4"_s << QString();
-    }
-
     void urls_areMadeOfWhatRowsHold()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, localFile);
-        const auto url = videoUrl(text);
-        QVERIFY(url && url->toLocalFile() == localFile);
+        const auto localFile = [](const QString& text) { return videoUrl(text)->toLocalFile(); };
+        QCOMPARE(localFile(u"file:///v/%C3%BC%23.mp4"_s), u"/v/ü#.mp4"_s);
+        QCOMPARE(localFile(u"file://localhost/v/a.mp4"_s), u"/v/a.mp4"_s);
+        QCOMPARE(localFile(u"/v/50% #1?.mp4"_s), u"/v/50% #1?.mp4"_s);
+        QCOMPARE(localFile(u"https://example.org/a.mp4"_s), QString());
         QVERIFY(!videoUrl({}));
     }
 };
