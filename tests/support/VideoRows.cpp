@@ -57,12 +57,12 @@ void VideoRows::createTable(const QString& databaseFile)
 VideoDetail VideoRows::row(const QString& sign, const QString& url)
 {
     // Every member another value, so that two that are exchanged are noticed.
-    int count = 0;
+    int number = 0;
     const auto value = [&]<typename Value>(const JSONMember<VideoDetail, Value>& of) {
         if constexpr (std::is_same_v<std::remove_const_t<Value>, QString>)
-            return of.key == "sign" ? sign : of.key == "url" ? url : QString::number(++count);
+            return of.key == "sign" ? sign : of.key == "url" ? url : QString(of.key.data());
         else
-            return ++count;
+            return ++number;
     };
     return std::apply(
         [&](const auto&... of) { return VideoDetail{value(of)...}; }, VideoDetail::jsonMembers());
