@@ -37,9 +37,12 @@ constexpr quint64 firstUprightRequest = 3;
 constexpr quint64 firstLoad =
     firstUprightRequest + UprightFilter::requestCount; // and from there on
 
-/// How long a round of a single picture lasts, by itself not a thirtieth of a second. Repeating it
-/// at that rate would keep the machine busy with showing the same picture again.
+/// How long a round of a single picture lasts, by itself not a thirtieth of a second, and one of so
+/// few that it is over at once. Repeating them at that rate would keep the machine busy with
+/// showing the same pictures again.
 constexpr auto stillDuration = 5s;
+constexpr std::uint64_t fewPictures = 5;
+constexpr std::chrono::milliseconds shortRound = 100ms;
 
 } // namespace
 
@@ -212,7 +215,9 @@ void Player::Body::beginRound(Round round)
 {
     m_round = round;
     m_picturesBefore = m_renderThread.pictureCount();
+    m_roundTime.start();
     m_isAtEnd = false;
+    m_isStill = false;
     m_stillPicture.stop();
 }
 
@@ -297,23 +302,20 @@ void Player::Body::setIsAtEnd(bool isAtEnd)
     // Before the item is loaded the word is about the one before it.
     if (!hasReachedEnd || !m_isLoaded)
         return;
-    switch (m_renderThread.pictureCount() - m_picturesBefore) {
-    case 0:
+    const auto pictures = m_renderThread.pictureCount() - m_picturesBefore;
+    m_isStill =
+        pictures == 1 || (pictures < fewPictures && !m_roundTime.hasExpired(shortRound.count()));
+    if (pictures == 0)
         finishRoundWithoutPicture();
-        break;
-    case 1:
+    else if (m_isStill)
         waitForStillPicture();
-        break;
-    default:
+    else
         finishRound();
-    }
 }
 
 void Player::Body::waitForStillPicture()
 {
-    const bool isStill =
-        m_isLoaded && m_isAtEnd && m_renderThread.pictureCount() - m_picturesBefore == 1;
-    if (!isStill || m_isPaused)
+    if (!m_isStill || m_isPaused)
         m_stillPicture.stop();
     else if (!m_stillPicture.isActive())
         m_stillPicture.start();
@@ -321,6 +323,7 @@ void Player::Body::waitForStillPicture()
 
 void Player::Body::finishRound()
 {
+    m_isStill = false;
     NotificationCenter::defaultCenter().post(PlayerItem::didPlayToEndTimeNotification());
 }
 

@@ -5,6 +5,7 @@
 #include "platform/linux/video/RenderThread.h"
 #include "platform/linux/video/UprightFilter.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
@@ -68,7 +69,9 @@ private:
     Round m_round = Round::SinceLoad;
     std::uint64_t m_picturesBefore = 0; // those of earlier rounds
     bool m_isAtEnd = false;
-    QTimer m_stillPicture; // running while an item of one picture is shown
+    QElapsedTimer m_roundTime;
+    bool m_isStill = false; // the round is over but for being looked at
+    QTimer m_stillPicture;  // running meanwhile
 
     bool m_isPaused = true;
     float m_volume = 1;

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// How far the first video track has to be turned clockwise, in degrees.
+/// How far the first video track has to be turned clockwise: 0, 90, 180 or 270 degrees.
 std::int64_t rotation(const mpv_node& tracks)
 {
     if (tracks.format != MPV_FORMAT_NODE_ARRAY)
@@ -14,10 +14,11 @@ std::int64_t rotation(const mpv_node& tracks)
     for (int i = 0; i < tracks.u.list->num; ++i) {
         const auto& track = tracks.u.list->values[i];
         const auto* type = MpvNode::child(track, "type", MPV_FORMAT_STRING);
-        if (!type || std::strcmp(type->u.string, "video") != 0)
+        const auto* isCover = MpvNode::child(track, "albumart", MPV_FORMAT_FLAG);
+        if (!type || std::strcmp(type->u.string, "video") != 0 || (isCover && isCover->u.flag))
             continue;
         const auto* degrees = MpvNode::child(track, "demux-rotation", MPV_FORMAT_INT64);
-        return degrees ? degrees->u.int64 : 0;
+        return degrees ? (degrees->u.int64 + 45) / 90 * 90 % 360 : 0; // to a quarter turn
     }
     return 0;
 }
