@@ -2,8 +2,26 @@
 
 #include <cerrno>
 #include <csignal>
+#include <cstdint>
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
 #include <unistd.h>
+
+namespace {
+
+bool isOnNetwork(int descriptor)
+{
+    struct statfs status {};
+    if (fstatfs(descriptor, &status) != 0)
+        return false;
+    constexpr auto smb2 = 0xfe534d42;
+    constexpr auto cifs = 0xff534d42;
+    const auto type = static_cast<std::uint32_t>(status.f_type);
+    return type == NFS_SUPER_MAGIC || type == smb2 || type == cifs;
+}
+
+} // namespace
 
 RegularFile::RegularFile(const QByteArray& path)
     : m_descriptor(open(path.constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))
@@ -39,7 +57,8 @@ bool RegularFile::holdOffWriters()
     // this process. This one is ignored.
     fcntl(m_descriptor, F_SETSIG, SIGURG);
     m_holdsLease = fcntl(m_descriptor, F_SETLEASE, F_RDLCK) == 0;
-    return m_holdsLease || errno != EAGAIN;
+    // A server that grants no leases gives the same answer as a file that somebody writes to.
+    return m_holdsLease || errno != EAGAIN || isOnNetwork(m_descriptor);
 }
 
 bool RegularFile::isWriterWaiting() const

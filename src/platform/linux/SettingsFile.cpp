@@ -33,14 +33,14 @@ std::chrono::nanoseconds nanoseconds(const timespec& time)
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-/// By the time of its last change of any kind, which no program can set. A time to come, after the
-/// clock was set back, is not young.
+/// By the time of its last change of any kind, which no program can set. A file server's clock may
+/// be a little ahead; a time far to come, after the clock was set back, is not young.
 bool isYoungerThan(std::chrono::nanoseconds limit, const struct stat& status)
 {
     timespec now{};
     clock_gettime(CLOCK_REALTIME, &now);
     const auto age = nanoseconds(now) - nanoseconds(status.st_ctim);
-    return age >= 0ns && age < limit;
+    return age > -1min && age < limit;
 }
 
 const auto isWritten = u"is being written"_s;
@@ -210,7 +210,9 @@ bool SettingsFile::exchange(const QByteArray& scratch, const QByteArray& target)
                0;
     };
     if (!swap()) // not every file system can
-        return rename(scratch.constData(), target.constData()) == 0 || fail(errno);
+        return file.isWriterWaiting()
+                   ? fail(EBUSY)
+                   : rename(scratch.constData(), target.constData()) == 0 || fail(errno);
     // Who is held off will write to the file that was there, so that one has to stay.
     return !file.isWriterWaiting() || !swap() || fail(EBUSY);
 }
