@@ -163,7 +163,7 @@ std::deque<VideoDetail> LocalVideoDBManager::videos(
     }
     if (rows && !rows->hasFailed()) {
         m_lastReading = Reading::Complete;
-        m_reportedFailure.clear();
+        m_reportedFailures.clear();
         return videos;
     }
     m_openedVersion.reset(); // the next query opens it anew
@@ -176,8 +176,10 @@ std::deque<VideoDetail> LocalVideoDBManager::videos(
 /// Once for each reason, because the library is read again and again.
 void LocalVideoDBManager::reportFailure(const QString& reason)
 {
-    if (std::exchange(m_reportedFailure, reason) != reason)
-        printLine(u"cannot read the library: %1"_s.arg(reason), stderr);
+    if (m_reportedFailures.contains(reason))
+        return;
+    m_reportedFailures.append(reason);
+    printLine(u"cannot read the library: %1"_s.arg(reason), stderr);
 }
 
 std::deque<VideoDetail> LocalVideoDBManager::allVideos()

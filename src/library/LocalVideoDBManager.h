@@ -4,6 +4,8 @@
 #include "library/Database.h"
 #include "service/VideoDetail.h"
 
+#include <QStringList>
+
 #include <cstdint>
 #include <cstdio>
 #include <deque>
@@ -65,6 +67,6 @@ private:
     std::optional<QString> m_seed;
     std::optional<FileVersion> m_openedVersion; // none also where it has to be opened anew
     bool m_isOpenFailureReported = false;
-    QString m_reportedFailure;
+    QStringList m_reportedFailures; // since the library could last be read
     Reading m_lastReading = Reading::Failed;
 };
