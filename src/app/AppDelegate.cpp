@@ -60,7 +60,7 @@ void AppDelegate::applicationDidFinishLaunching()
 void AppDelegate::applicationWillTerminate()
 {
     // An end in good order is not the fault of the video that was just opened.
-    OpeningRecord::shared().finish();
+    OpeningRecord::shared().finish(OpeningRecord::Outcome::DoesNotPlay);
     // Tells the companion that the helper goes away. There is nothing else to save.
     DistributedNotificationCenter::defaultCenter().post(QStringLiteral("com.zemra.fendix.mac.ter"));
 }

@@ -45,8 +45,10 @@ void OpeningRecord::refresh()
 /// machine.
 void OpeningRecord::write() const
 {
+    const QFileInfo information(m_path);
     QFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly, QFile::ReadOwner | QFile::WriteOwner))
+    if ((information.exists() && !information.isFile()) ||
+        !file.open(QIODevice::WriteOnly, QFile::ReadOwner | QFile::WriteOwner))
         return;
     QJsonArray suspects;
     for (const auto& sign : m_suspects)
@@ -76,11 +78,12 @@ void OpeningRecord::begin(const QString& sign)
     write();
 }
 
-void OpeningRecord::finish()
+void OpeningRecord::finish(Outcome outcome)
 {
     if (m_opening.isEmpty())
         return;
-    m_proven.insert(m_opening);
+    if (outcome == Outcome::Plays)
+        m_proven.insert(m_opening);
     refresh();
     m_opening.clear();
     write();

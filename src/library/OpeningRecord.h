@@ -22,8 +22,9 @@ public:
 
     /// Before a video is opened. Costs nothing for one that has played in this process.
     void begin(const QString& sign);
-    /// The video plays, or this process ends as it should.
-    void finish();
+    /// What was opened plays, or does not: it failed, or this process ends as it should.
+    enum class Outcome { Plays, DoesNotPlay };
+    void finish(Outcome outcome);
 
     bool isSuspect(const QString& sign) const { return m_suspects.contains(sign); }
     /// Somebody wants to see it all the same. Whether it was a suspect.

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::chrono::milliseconds shortestPause = 3s;
 constexpr int pausePerLook = 100;
+constexpr auto failureLasts = 60s;
 
 } // namespace
 
@@ -32,7 +33,11 @@ std::optional<PlayableFileWatch::FileState> PlayableFileWatch::stateOf(const QSt
     struct stat status {};
     if (stat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode))
         return std::nullopt;
-    return FileState{status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
+    return FileState{status.st_dev,
+        status.st_ino,
+        status.st_size,
+        status.st_ctim.tv_sec,
+        status.st_ctim.tv_nsec};
 }
 
 void PlayableFileWatch::watch(std::vector<Candidate> candidates)
@@ -51,7 +56,7 @@ void PlayableFileWatch::stop()
 
 void PlayableFileWatch::noteFailure(const QString& path)
 {
-    m_failures[path] = stateOf(path).value_or(FileState());
+    m_failures[path] = {stateOf(path).value_or(FileState()), std::chrono::steady_clock::now()};
 }
 
 void PlayableFileWatch::look()
@@ -59,24 +64,33 @@ void PlayableFileWatch::look()
     m_thread.start([this, watch = m_watch, candidates = m_candidates, failures = m_failures] {
         QElapsedTimer timer;
         timer.start();
-        const auto isNews = [&failures](const Candidate& candidate) {
+        QStringList gone;
+        const auto isNews = [&](const Candidate& candidate) {
             const auto state = stateOf(candidate.path);
             const auto failure = failures.constFind(candidate.path);
-            return state && (failure == failures.constEnd() || *failure != *state);
+            if (!state && failure != failures.constEnd())
+                gone.append(candidate.path);
+            const auto now = std::chrono::steady_clock::now();
+            return state && (failure == failures.constEnd() || failure->state != *state ||
+                                now - failure->time > failureLasts);
         };
         const auto found = std::ranges::find_if(*candidates, isNews);
         const auto sign = found == candidates->end() ? std::nullopt : std::optional(found->sign);
         const std::chrono::nanoseconds duration(timer.nsecsElapsed());
         QMetaObject::invokeMethod(
             this,
-            [this, watch, sign, duration] { finishLook(watch, sign, duration); },
+            [this, watch, sign, gone, duration] { finishLook(watch, sign, gone, duration); },
             Qt::QueuedConnection);
     });
 }
 
-void PlayableFileWatch::finishLook(
-    quint64 watch, const std::optional<QString>& sign, std::chrono::nanoseconds duration)
+void PlayableFileWatch::finishLook(quint64 watch,
+    const std::optional<QString>& sign,
+    const QStringList& gone,
+    std::chrono::nanoseconds duration)
 {
+    for (const auto& path : gone) // what comes back may be read, even if it looks the same
+        m_failures.remove(path);
     if (watch != m_watch)
         return;
     if (!sign) {

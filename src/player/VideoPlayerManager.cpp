@@ -65,7 +65,7 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
         if (std::exchange(m_isLibraryUpdateWaiting, false))
             updateVideoList();
     });
-    setUp(m_openingTime, 5s, [this] { m_openings.finish(); });
+    setUp(m_openingTime, 5s, [this] { m_openings.finish(OpeningRecord::Outcome::Plays); });
     connect(&m_fileWatch, &PlayableFileWatch::found, this, [this](const QString& sign) {
         m_videoList.moveToSign(sign);
         playAgain();
@@ -80,7 +80,7 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
         center.addObserver(PlayerItem::didPlayToEndTimeNotification(), [this] {
             m_failuresInARow = 0;
             m_fileWatch.forgetFailures();
-            m_openings.finish();
+            m_openings.finish(OpeningRecord::Outcome::Plays);
             playerItemDidReachEnd();
         }));
 }

@@ -6,10 +6,12 @@
 #include <QScopedValueRollback>
 #include <QUrl>
 
+#include <chrono>
 #include <cstdio>
 #include <utility>
 
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 Player& VideoPlayerManager::player()
 {
@@ -82,7 +84,7 @@ std::unique_ptr<PlayerItem> VideoPlayerManager::makeItem(const std::optional<QUr
     if (!url)
         return nullptr;
     m_openings.begin(m_videoList.current()->val.sign);
-    m_openingTime.start();
+    m_openingTime.stop();
     return std::make_unique<PlayerItem>(*url);
 }
 
@@ -105,9 +107,13 @@ void VideoPlayerManager::observeItem()
 
 void VideoPlayerManager::observeValueForKeyPath(const QString& keyPath, const PlayerItem& object)
 {
-    if (keyPath != u"status" || object.status() != PlayerItem::Status::Failed)
+    if (keyPath != u"status")
         return;
-    m_openings.finish();
+    if (object.status() == PlayerItem::Status::ReadyToPlay)
+        m_openingTime.start();
+    if (object.status() != PlayerItem::Status::Failed)
+        return;
+    m_openings.finish(OpeningRecord::Outcome::DoesNotPlay);
     m_fileWatch.noteFailure(object.url().toLocalFile());
     // A failed video is skipped like one that has ended, but when all of them have failed, going
     // round and round would only keep the machine busy.
@@ -230,11 +236,13 @@ void VideoPlayerManager::reloadVideoList()
 {
     const std::lock_guard lock(m_videoListLocker);
     auto rows = m_library.allVideos();
-    m_isListUnread = m_library.lastReading() != LocalVideoDBManager::Reading::Complete;
-    if (m_isListUnread)
-        m_libraryRetry.start();
-    if (m_library.lastReading() == LocalVideoDBManager::Reading::Busy)
-        return; // the list stays meanwhile
+    const auto reading = m_library.lastReading();
+    m_isListUnread = reading != LocalVideoDBManager::Reading::Complete;
+    if (m_isListUnread) {
+        m_libraryRetry.start(reading == LocalVideoDBManager::Reading::Busy ? 1s : 5s);
+        if (reading == LocalVideoDBManager::Reading::Busy || m_videoList.current())
+            return; // the list stays meanwhile
+    }
     m_videoList.clear();
     if (m_playModel == VideoPlayerPlayModel::random)
         rows = randomlyReordered(rows);
@@ -298,7 +306,7 @@ void VideoPlayerManager::playingSignDidChange(const QString& sign)
         // A row is deleted for a missing file, never because nobody could look.
         m_isChoiceUnread = m_library.lastReading() != LocalVideoDBManager::Reading::Complete;
         if (m_isChoiceUnread)
-            m_libraryRetry.start();
+            m_libraryRetry.start(1s);
         else
             m_library.deleteVideo(sign);
         return;

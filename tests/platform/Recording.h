@@ -1,13 +1,12 @@
 #pragma once
 
+#include "platform/PlayerItem.h"
 #include "platform/Screen.h"
 
 #include <QStringList>
 
 #include <utility>
 #include <vector>
-
-class PlayerItem;
 
 /// What the recording bodies were told and what they tell.
 class Recording {
@@ -23,8 +22,8 @@ public:
 
     /// The item that the player has now; null for none, and while there is no player.
     static PlayerItem* currentItem();
-    /// What happens to a video that cannot be played.
-    static void failCurrentItem();
+    /// As the player does when the item is loaded, or cannot be played.
+    static void setCurrentItemStatus(PlayerItem::Status status);
 
     /// Forgets everything, for the next test.
     static void reset();

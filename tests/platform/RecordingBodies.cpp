@@ -192,9 +192,9 @@ PlayerItem* Recording::currentItem()
     return playerBody ? playerBody->item.get() : nullptr;
 }
 
-void Recording::failCurrentItem()
+void Recording::setCurrentItemStatus(PlayerItem::Status status)
 {
-    Player::Body::setStatus(*currentItem(), PlayerItem::Status::Failed);
+    Player::Body::setStatus(*currentItem(), status);
 }
 
 void Recording::reset()
