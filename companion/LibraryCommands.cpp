@@ -1,5 +1,6 @@
 #include "companion/CommandHandlers.h"
 #include "companion/Output.h"
+#include "library/OpeningRecord.h"
 #include "library/VideoUrl.h"
 
 #include <QJsonArray>
@@ -82,5 +83,8 @@ ExitStatus CommandHandlers::choose(Companion& companion, const Arguments& argume
     if (!preferences.isPlaying())
         preferences.setIsPlaying(true);
     companion.storePreferences();
+    // A helper that has left the video out, and maybe has nothing else to play, looks again.
+    if (OpeningRecord::shared().forgive(entry.sign))
+        Companion::announceLibrary();
     return ExitStatus::Done;
 }

@@ -8,7 +8,6 @@
 #include <QJsonObject>
 #include <QLockFile>
 #include <QProcess>
-#include <QRegularExpression>
 #include <QTest>
 #include <QUrl>
 
@@ -22,17 +21,13 @@ struct Result {
     int status;
     QString output;
     QString errors;
-
-    QJsonArray rows() const { return QJsonDocument::fromJson(output.toUtf8()).array(); }
 };
 
 /// The real program, without a session bus, on a disk that is as full as one likes.
 Result tavelorctl(const QString& command, const QStringList& more = {}, bool isDiskFull = false)
 {
     QProcess process;
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nowhere"_s);
-    process.setProcessEnvironment(environment);
+    qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
     const auto limit = isDiskFull ? u"trap '' XFSZ; ulimit -f 0; "_s : QString();
     process.start(u"/bin/sh"_s,
         QStringList{u"-c"_s, limit + u"exec \"$0\" \"$@\""_s, QStringLiteral(TAVELORCTL)} +
@@ -43,6 +38,11 @@ Result tavelorctl(const QString& command, const QStringList& more = {}, bool isD
         QString::fromUtf8(process.readAllStandardError())};
 }
 
+QJsonArray rows()
+{
+    return QJsonDocument::fromJson(tavelorctl(u"list --json"_s).output.toUtf8()).array();
+}
+
 } // namespace
 
 class TavelorctlTest : public QObject {
@@ -51,41 +51,26 @@ class TavelorctlTest : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        m_videos = m_directory.filePath(u"videos"_s);
         QDir().mkpath(m_videos);
-        m_red = m_videos + u"/ein Film (ü) #1 100%.mp4"_s;
-        m_green = m_videos + u"/grün.mp4"_s;
         TestVideos::makePlain(m_red, u"red"_s, 2);
-        TestVideos::makePlain(m_green, u"green"_s, 1);
     }
 
     void init() { m_home = std::make_unique<TemporaryHome>(); }
     void cleanup() { m_home.reset(); }
 
-    void firstUse_startsFromTheSeed()
-    {
-        const auto rows = tavelorctl(u"list --json"_s).rows();
-
-        QCOMPARE(rows.size(), 1);
-        const auto sample = rows[0].toObject();
-        QVERIFY(QFile::exists(sample["path"].toString()));
-        QVERIFY(sample["width"].toInt() >= 1920);
-        QVERIFY(sample["bytes"].toInt() < 2'000'000);
-    }
-
-    void import_addsAFileOnceWithItsFacts()
+    void import_addsAFileOnceWithItsFactsToTheSeed()
     {
         const auto first = tavelorctl(u"import"_s, {m_red});
         QCOMPARE(first.status, 0);
         QCOMPARE(first.errors, QString());
         QVERIFY(first.output.contains(u"added  ein Film (ü) #1 100% (1280×720, 0:02)"));
-        const auto again = tavelorctl(u"import"_s, {m_red, m_red});
-        QCOMPARE(again.status, 0);
-        QCOMPARE(again.output.count(u"already there"_s), 2);
+        QCOMPARE(tavelorctl(u"import"_s, {m_red, m_red}).output.count(u"already there"_s), 2);
 
-        const auto rows = tavelorctl(u"list --json"_s).rows();
-        QCOMPARE(rows.size(), 2);
-        const auto row = rows[1].toObject();
+        QCOMPARE(rows().size(), 2);
+        const auto sample = rows()[0].toObject();
+        QVERIFY(QFile::exists(sample["path"].toString()));
+        QVERIFY(sample["width"].toInt() >= 1920 && sample["bytes"].toInt() < 2'000'000);
+        const auto row = rows()[1].toObject();
         QCOMPARE(row["path"].toString(), m_red);
         QCOMPARE(row["seconds"].toInt(), 2);
         QCOMPARE(row["bytes"].toInteger(), QFileInfo(m_red).size());
@@ -97,8 +82,6 @@ private Q_SLOTS:
         QTest::addColumn<QString>("shape");
         QTest::addColumn<QString>("angle");
         QTest::addColumn<QString>("size");
-        QTest::newRow("upright") << u"1"_s << u"0"_s << u"320×240 4:3"_s;
-        QTest::newRow("turned right") << u"1"_s << u"90"_s << u"240×320 3:4"_s;
         QTest::newRow("turned left") << u"1"_s << u"270"_s << u"240×320 3:4"_s;
         QTest::newRow("upside down") << u"1"_s << u"180"_s << u"320×240 4:3"_s;
         QTest::newRow("wide pixels") << u"4/3"_s << u"0"_s << u"427×240 427:240"_s;
@@ -119,21 +102,12 @@ private Q_SLOTS:
 
         QVERIFY(tavelorctl(u"import"_s, {turned}).output.contains(size.section(u' ', 0, 0)));
 
-        const auto row = tavelorctl(u"list --json"_s).rows()[1].toObject();
-        QCOMPARE(u"%1×%2"_s.arg(row["width"].toInt()).arg(row["height"].toInt()),
-            size.section(u' ', 0, 0));
+        const auto row = rows()[1].toObject();
         VideoRows::execute(m_home->databaseFile(), u"update LocalVideos set sign = ratio"_s);
-        QCOMPARE(VideoRows::signs(m_home->databaseFile()).constLast(), size.section(u' ', 1));
-    }
-
-    void import_ofAFolder_takesItsVideos()
-    {
-        TemporaryHome::writeFile(m_videos + u"/notes.txt"_s, "no video");
-
-        const auto result = tavelorctl(u"import"_s, {m_videos});
-
-        QCOMPARE(result.status, 0);
-        QCOMPARE(result.output.count(u"added"_s), 2);
+        QCOMPARE(u"%1×%2 %3"_s.arg(row["width"].toInt())
+                     .arg(row["height"].toInt())
+                     .arg(VideoRows::signs(m_home->databaseFile()).constLast()),
+            size);
     }
 
     void import_ofAMovedFile_followsIt()
@@ -152,24 +126,19 @@ private Q_SLOTS:
     void import_goesOnAfterABadFile()
     {
         const auto path = m_home->path() + u'/';
-        TemporaryHome::writeFile(
-            path + u"text"_s, QByteArray("I am not a video.\n").repeated(1000));
+        TemporaryHome::writeFile(m_videos + u"/notes.txt"_s, "not asked for");
         TemporaryHome::writeFile(path + u"cut.mp4"_s, TemporaryHome::contents(m_red).left(1000));
         QCOMPARE(mkfifo((path + u"pipe"_s).toUtf8().constData(), 0600), 0);
         TestVideos::make(path + u"sound.wav"_s, u"-f lavfi -i sine=d=1"_s.split(u' '));
 
         const auto result = tavelorctl(u"import /nowhere/film.mp4"_s,
-            {path + u"text"_s,
-                path + u"cut.mp4"_s,
-                path + u"pipe"_s,
-                path + u"sound.wav"_s,
-                m_red});
+            {path + u"cut.mp4"_s, path + u"pipe"_s, path + u"sound.wav"_s, m_videos});
 
         QCOMPARE(result.status, 1);
-        QCOMPARE(result.errors.count(QRegularExpression(
-                     u"^tavelorctl: .+: .+$"_s, QRegularExpression::MultilineOption)),
-            5);
-        QVERIFY(result.errors.contains(u"tavelorctl: /nowhere/film.mp4: no such file"));
+        QVERIFY(result.errors.startsWith(u"tavelorctl: /nowhere/film.mp4: no such file"));
+        for (const auto& line : result.errors.trimmed().split(u'\n'))
+            QVERIFY(line.startsWith(u"tavelorctl: /") && line.count(u": "_s) == 2);
+        QCOMPARE(result.errors.count(u'\n'), 4);
         QCOMPARE(result.output.count(u"added"_s), 1);
     }
 
@@ -177,10 +146,9 @@ private Q_SLOTS:
     {
         makeLibrary({u"abc1"_s, u"abc2"_s, u"abc"_s, u"x1"_s});
 
-        QCOMPARE(tavelorctl(u"choose x"_s).status, 0);
+        tavelorctl(u"choose x"_s);
         QCOMPARE(m_home->suiteValue(u"CurrentVideoSign"_s), u"x1"_s);
-        QCOMPARE(tavelorctl(u"choose abc"_s).status, 0); // whole signs come first
-        QCOMPARE(m_home->suiteValue(u"CurrentVideoSign"_s), u"abc"_s);
+        tavelorctl(u"choose abc"_s); // whole signs come first
         QVERIFY(tavelorctl(u"list"_s).output.contains(u"* abc "));
         QCOMPARE(tavelorctl(u"choose ab"_s).errors,
             u"tavelorctl: ab: 3 videos' signs begin like this\n"_s);
@@ -188,19 +156,21 @@ private Q_SLOTS:
         QCOMPARE(m_home->suiteValue(u"CurrentVideoSign"_s), u"abc"_s);
     }
 
-    void choosingTheSameVideoAgain_switchesOn()
+    void choosingTheSameVideoAgain_switchesOnAndForgivesIt()
     {
         makeLibrary({u"abc"_s});
         TemporaryHome::writeFile(m_home->suiteFile(),
             "[General]\nCurrentVideoSign=abc\nIsOpenPlayer=false\nisPlaying=false\n");
+        const auto record = m_home->container() + u"/Caches/opening.json"_s;
+        TemporaryHome::writeFile(record, R"({"opening":"abc","suspects":["abc","x"]})");
 
-        tavelorctl(u"choose abc"_s);
+        QCOMPARE(tavelorctl(u"choose abc"_s).status, 0);
 
         const auto status =
             QJsonDocument::fromJson(tavelorctl(u"status --json"_s).output.toUtf8()).object();
         QVERIFY(status["open"].toBool() && status["playing"].toBool());
-        QVERIFY(!status["running"].toBool());
-        QCOMPARE(status["title"].toString(), u"title"_s);
+        QVERIFY(!status["running"].toBool() && status["title"] == u"title"_s);
+        QCOMPARE(TemporaryHome::contents(record), R"({"opening":"abc","suspects":["x"]})");
     }
 
     void choiceThatIsNotStored_isAnError_data()
@@ -231,12 +201,11 @@ private Q_SLOTS:
 
     void wrongUsage_exitsWithTwo()
     {
-        for (const auto& command :
-            {QString(), u"dance"_s, u"import"_s, u"status now"_s, u"list --xml"_s}) {
-            const auto result = tavelorctl(command);
+        for (const auto* command : {"", "dance", "import", "status now", "list --xml"}) {
+            const auto result = tavelorctl(QLatin1String(command));
             QCOMPARE(result.status, 2);
-            QVERIFY(result.errors.contains(u"usage: tavelorctl"));
-            QVERIFY(result.output.isEmpty() && !QFile::exists(m_home->container()));
+            QVERIFY(result.errors.contains(u"usage: tavelorctl") && result.output.isEmpty());
+            QVERIFY(!QFile::exists(m_home->container()));
         }
     }
 
@@ -263,9 +232,8 @@ private:
 
     std::unique_ptr<TemporaryHome> m_home;
     QTemporaryDir m_directory;
-    QString m_videos;
-    QString m_red;
-    QString m_green;
+    const QString m_videos = m_directory.filePath(u"videos"_s);
+    const QString m_red = m_videos + u"/ein Film (ü) #1 100%.mp4"_s;
 };
 
 QTEST_GUILESS_MAIN(TavelorctlTest)
