@@ -75,6 +75,7 @@ ExitStatus CommandHandlers::choose(Companion& companion, const Arguments& argume
             u"the file is gone; a running helper drops it from the library"_s);
     }
     auto& preferences = companion.preferences();
+    const bool wasChosen = preferences.playingVideoSign() == entry.sign;
     preferences.setPlayingVideoSign(entry.sign);
     // A running helper does the same for a new sign, but not for the one that it has, and one
     // that starts later does what it finds.
@@ -83,8 +84,9 @@ ExitStatus CommandHandlers::choose(Companion& companion, const Arguments& argume
     if (!preferences.isPlaying())
         preferences.setIsPlaying(true);
     companion.storePreferences();
-    // A helper that has left the video out, and maybe has nothing else to play, looks again.
-    if (OpeningRecord::shared().forgive(entry.sign))
+    // A helper that has nothing to play looks again. A sign that it knows already tells it nothing.
+    const bool wasLeftOut = OpeningRecord::shared().forgive(entry.sign);
+    if (wasLeftOut || wasChosen)
         Companion::announceLibrary();
     return ExitStatus::Done;
 }

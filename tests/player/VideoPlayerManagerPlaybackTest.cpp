@@ -72,16 +72,19 @@ private Q_SLOTS:
     void endOfItem_followsThePlayOrder()
     {
         QFETCH(QByteArray, playModel);
-        Fixture fixture(u"abc"_s, "PlayModel=" + playModel + '\n');
-        fixture.start();
-
-        QString played = Fixture::playing();
-        for (int i = 0; i < 4; ++i) {
-            fixture.endItem();
-            played += Fixture::playing();
-            QCOMPARE(fixture.sign(), played.right(1));
+        for (const bool isSetLater : {false, true}) {
+            Fixture fixture(u"abc"_s, isSetLater ? QByteArray() : "PlayModel=" + playModel + '\n');
+            fixture.start();
+            if (isSetLater)
+                fixture.preferences->setPlayModel(playModel.toInt());
+            QString played = Fixture::playing();
+            for (int i = 0; i < 4; ++i) {
+                fixture.endItem();
+                played += Fixture::playing();
+                QCOMPARE(fixture.sign(), played.right(1));
+            }
+            QTEST(played, "played");
         }
-        QTEST(played, "played");
     }
 
     void single_restartsTheSameItem()

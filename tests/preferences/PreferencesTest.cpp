@@ -107,9 +107,7 @@ private Q_SLOTS:
         const auto changesBy = [this](const char* key, const QString& value) {
             m_preferences->setIsOpenPlayer(false);
             m_preferences->setIsPlaying(false);
-            m_home->removeSuiteValue(QLatin1String(key));
-            if (!value.isNull())
-                m_home->writeSuiteValue(QLatin1String(key), value);
+            m_home->writeSuiteValue(QLatin1String(key), value);
             return refresh();
         };
         const auto on = u"isOpenPlayer true, isPlaying true"_s;

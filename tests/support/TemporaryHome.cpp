@@ -39,7 +39,8 @@ void TemporaryHome::writeSuiteValue(const QString& key, const QString& value) co
     lines.removeIf([&](const auto& line) { return line.startsWith(key.toUtf8() + '='); });
     if (!lines.contains("[General]"))
         lines.prepend("[General]");
-    lines.append(key.toUtf8() + '=' + value.toUtf8());
+    if (!value.isNull())
+        lines.append(key.toUtf8() + '=' + value.toUtf8());
     writeFile(suiteFile(), lines.join('\n') + '\n');
 }
 

@@ -17,7 +17,8 @@ public:
     QString suiteFile() const { return container() + "/Preferences/K7ZT3QW9RB.tavelor.conf"; }
     QString databaseFile() const { return container() + "/Application Support/Fendix.db"; }
 
-    /// Replaces or adds one line "key=value" as a person with a text editor would, and saves.
+    /// Replaces or adds one line "key=value" as a person with a text editor would, and saves. A
+    /// null value takes the line away.
     void writeSuiteValue(const QString& key, const QString& value) const;
     /// The text after "key=", or a null string.
     QString suiteValue(const QString& key) const;
