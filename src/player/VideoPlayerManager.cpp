@@ -78,7 +78,7 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
     observePreferences();
     m_notificationObservers.push_back(
         center.addObserver(PlayerItem::didPlayToEndTimeNotification(), [this] {
-            m_failuresInARow = 0;
+            m_failedFiles.clear();
             m_fileWatch.forgetFailures();
             m_openings.finish(OpeningRecord::Outcome::Plays);
             playerItemDidReachEnd();

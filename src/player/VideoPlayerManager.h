@@ -14,6 +14,7 @@
 #include "preferences/Preferences.h"
 
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 #include <QVariant>
 
@@ -124,7 +125,7 @@ private:
     bool m_haveScreensChangedWhileClosed = false;
 
     std::optional<Disposable> m_statusObservation; // of the player's item
-    std::size_t m_failuresInARow = 0;
+    QSet<QString> m_failedFiles;                   // since a video has last played
     bool m_isSavingSign = false;
     PlayableFileWatch m_fileWatch; // watching while there is nothing to play
     QTimer m_openingTime;          // running while an item is new

@@ -64,14 +64,16 @@ void VideoPlayerManager::setVolume(float volume)
     player().setVolume(volume);
 }
 
-/// Moves the cursor to the first video, from the current one on, whose file is there and which has
-/// not ended an earlier process. None after one full pass without success.
+/// Moves the cursor to the first video, from the current one on, whose file is there, and which has
+/// neither ended an earlier process nor failed since a video has last played. None after one full
+/// pass without success: going round and round would only keep the machine busy.
 std::optional<QUrl> VideoPlayerManager::playableUrl()
 {
     for (std::size_t tried = 0; tried < m_videoList.count(); ++tried) {
         const auto& video = m_videoList.current()->val;
         auto url = videoUrl(video.url);
-        if (url && videoFileExists(*url) && !m_openings.isSuspect(video.sign))
+        if (url && videoFileExists(*url) && !m_openings.isSuspect(video.sign) &&
+            !m_failedFiles.contains(url->toLocalFile()))
             return url;
         m_videoList.advance();
     }
@@ -115,12 +117,8 @@ void VideoPlayerManager::observeValueForKeyPath(const QString& keyPath, const Pl
         return;
     m_openings.finish(OpeningRecord::Outcome::DoesNotPlay);
     m_fileWatch.noteFailure(object.url().toLocalFile());
-    // A failed video is skipped like one that has ended, but when all of them have failed, going
-    // round and round would only keep the machine busy.
-    if (++m_failuresInARow >= m_videoList.count() && m_playModel != VideoPlayerPlayModel::single)
-        replaceItem(std::nullopt);
-    else
-        playerItemDidReachEnd();
+    m_failedFiles.insert(object.url().toLocalFile());
+    playerItemDidReachEnd(); // skipped like one that has ended
     watchForPlayableFiles();
 }
 
@@ -136,7 +134,7 @@ void VideoPlayerManager::playAgain()
 {
     if (!m_preferences.isOpenPlayer())
         return;
-    m_failuresInARow = 0;
+    m_failedFiles.clear();
     m_openings.refresh(); // the companion may have forgiven
     replaceItem(playableUrl());
     savePlayingSign();
@@ -174,7 +172,7 @@ void VideoPlayerManager::openPlayer()
         makeWindows();
     }
     applyWindowLevelToAll();
-    m_failuresInARow = 0;
+    m_failedFiles.clear();
     auto& sharedPlayer = player();
     replaceItem(playableUrl());
     applyWindowLevelToAll();

@@ -184,6 +184,18 @@ private Q_SLOTS:
         }
     }
 
+    void failedItemInRandomOrder_isNotDrawnAgainBeforeTheOthers()
+    {
+        Fixture fixture(u"ab"_s, "PlayModel=2\nCurrentVideoSign=a\n");
+        fixture.start();
+        for (int i = 0; i < 30; ++i) { // among them draws of the broken one twice in a row
+            if (Fixture::playing() == u"a")
+                fail();
+            QCOMPARE(Fixture::playing(), u"b"_s);
+            fixture.endItem();
+        }
+    }
+
     void onlyTheCurrentItemsStatus_counts()
     {
         Fixture fixture(u"abc"_s, "PlayModel=1\n");
