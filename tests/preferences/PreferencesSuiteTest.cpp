@@ -56,7 +56,7 @@ private Q_SLOTS:
         QTest::newRow("half a value") << QByteArray("[General]\nKept=\"1\n");
         QTest::newRow("no last line's end") << QByteArray("[General]\nKept=1\nList=1");
         QTest::newRow("keys missing") << QByteArray("[General]\nKept=4\n");
-        QTest::newRow("prose") << QByteArray("a = b\ndear diary\n");
+        QTest::newRow("prose") << wellText + "dear diary\n";
         QTest::newRow("binary") << QByteArray("a=\0\n", 4);
         QTest::newRow("only comments") << QByteArray("; nothing\n\n");
         QTest::newRow("too long") << "a=" + QByteArray(2'000'000, 'a') + '\n';
@@ -202,8 +202,12 @@ private Q_SLOTS:
 
     void values_areThoseOfQSettings()
     {
-        for (const auto& value :
-            {u""_s, u"a, \"b\"; c=d \\ é"_s, u" blanks "_s, u"@home"_s, u"@(x)"_s, u"tab\t1"_s}) {
+        for (const auto& value : {u""_s,
+                 u"a, \"b\"; \\ é"_s,
+                 u" blanks "_s,
+                 u"@home"_s,
+                 u"@ByteArray(x)"_s,
+                 u"tab\t1"_s}) {
             m_suite->setString(u"Ours"_s, value);
             QVERIFY(m_suite->synchronize());
             QSettings settings(m_path, QSettings::IniFormat);
