@@ -12,11 +12,13 @@
 
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 HelperProcess::HelperProcess(VirtualDesktop& desktop)
     : m_desktop(desktop), m_environment(desktop.environment())
 {
-    setEnvironment(QStringLiteral("XDG_RUNTIME_DIR"), m_home.path());
-    setEnvironment(QStringLiteral("TAVELOR_SERVICE_URL"), QStringLiteral("https://127.0.0.1:9"));
+    setEnvironment(u"XDG_RUNTIME_DIR"_s, m_home.path());
+    setEnvironment(u"TAVELOR_SERVICE_URL"_s, u"https://127.0.0.1:9"_s);
     VideoRows::createTable(m_home.databaseFile());
 }
 
@@ -29,8 +31,7 @@ HelperProcess::~HelperProcess()
     }
     // A machine without a sound card has sound libraries that say so.
     static const QRegularExpression soundLines(
-        QStringLiteral("^(ALSA lib|\\[[A-Z]\\]\\[.*\\] pw\\.).*\n?"),
-        QRegularExpression::MultilineOption);
+        u"^(ALSA lib|\\[[A-Z]\\]\\[.*\\] pw\\.).*\n?"_s, QRegularExpression::MultilineOption);
     const auto errors = QString::fromUtf8(m_process.readAllStandardError()).remove(soundLines);
     if (!errors.isEmpty())
         QTest::qFail(qUtf8Printable(errors), __FILE__, __LINE__);
@@ -38,7 +39,7 @@ HelperProcess::~HelperProcess()
 
 QString HelperProcess::videoFile(const QString& sign) const
 {
-    return m_home.path() + u'/' + sign + QStringLiteral(".mp4");
+    return m_home.path() + u'/' + sign + u".mp4"_s;
 }
 
 void HelperProcess::addVideo(const QString& sign, const QString& colour, double seconds)
@@ -58,21 +59,11 @@ void HelperProcess::setEnvironment(const QString& name, const QString& value)
     m_environment.insert(name, value);
 }
 
-void HelperProcess::ignoreLeaks()
-{
-    setEnvironment(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("detect_leaks=0"));
-}
-
-QString HelperProcess::program()
-{
-    return QStringLiteral(TAVELORHELPER);
-}
-
 void HelperProcess::start()
 {
     m_process.setProcessEnvironment(m_environment);
     ChildProcess::endWithThisProcess(m_process);
-    m_process.start(program(), {});
+    m_process.start(QStringLiteral(TAVELORHELPER), {});
     if (!m_process.waitForStarted())
         qFatal("The helper does not start.");
 }
@@ -84,8 +75,7 @@ bool HelperProcess::waitForEnd(int milliseconds)
 
 double HelperProcess::processorSeconds() const
 {
-    const auto status =
-        TemporaryHome::contents(QStringLiteral("/proc/%1/stat").arg(m_process.processId()));
+    const auto status = TemporaryHome::contents(u"/proc/%1/stat"_s.arg(m_process.processId()));
     const auto fields = status.mid(status.lastIndexOf(')')).split(' ');
     return static_cast<double>(fields[12].toLongLong() + fields[13].toLongLong()) /
            static_cast<double>(sysconf(_SC_CLK_TCK));
@@ -99,17 +89,13 @@ QStringList HelperProcess::lines()
 
 void HelperProcess::announceLibrary() const
 {
-    const auto name = QStringLiteral("announcer");
-    auto bus = QDBusConnection::connectToBus(m_desktop.busAddress(), name);
-    auto signal = QDBusMessage::createSignal(QStringLiteral("/com/zemra/tavelor"),
-        QStringLiteral("com.zemra.tavelor.DistributedNotification"),
-        QStringLiteral("Posted"));
-    signal << QStringLiteral("UpdateVideoList") << QString() << QVariantMap();
+    auto bus = QDBusConnection::connectToBus(m_desktop.busAddress(), u"announcer"_s);
+    auto signal = QDBusMessage::createSignal(
+        u"/com/zemra/tavelor"_s, u"com.zemra.tavelor.DistributedNotification"_s, u"Posted"_s);
+    signal << u"UpdateVideoList"_s << QString() << QVariantMap();
     bus.send(signal);
+    const auto driver = u"org.freedesktop.DBus"_s;
     // The answer to a call comes after the signal has left.
-    bus.call(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("/"),
-        QStringLiteral("org.freedesktop.DBus"),
-        QStringLiteral("GetId")));
-    QDBusConnection::disconnectFromBus(name);
+    bus.call(QDBusMessage::createMethodCall(driver, u"/"_s, driver, u"GetId"_s));
+    QDBusConnection::disconnectFromBus(u"announcer"_s);
 }

@@ -24,8 +24,6 @@ public:
 
     /// For the next start. Without a service of the test's own there is none.
     void setEnvironment(const QString& name, const QString& value);
-    void ignoreLeaks();
-    static QString program();
     void start();
     /// True if it is gone by itself or by now.
     bool waitForEnd(int milliseconds = 5000);

@@ -1,7 +1,9 @@
 #include "desktop/HelperProcess.h"
-#include "desktop/VirtualDesktop.h"
 
 #include <QTest>
+
+using namespace Qt::StringLiterals;
+using WindowKind = VirtualDesktop::WindowKind;
 
 /// Where the wallpaper stands among other windows, under a window manager, without one, and when
 /// one comes or goes.
@@ -9,6 +11,12 @@ class StackingTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void cleanup()
+    {
+        m_helper.reset();
+        m_desktop.reset();
+    }
+
     void wallpaper_liesBelowEverything_data()
     {
         QTest::addColumn<bool>("isManaged");
@@ -19,124 +27,104 @@ private Q_SLOTS:
     void wallpaper_liesBelowEverything()
     {
         QFETCH(bool, isManaged);
-        VirtualDesktop desktop;
-        if (isManaged)
-            desktop.startWindowManager();
-        HelperProcess helper(desktop);
-        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
-        const auto icons = desktop.openWindow(VirtualDesktop::WindowKind::Desktop, Qt::green);
-        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("lime"));
+        makeDesktop(isManaged);
+        const auto icons = m_desktop->openWindow(WindowKind::Desktop, Qt::green);
+        QTRY_COMPARE(m_desktop->leftColour(), u"lime"_s);
 
-        helper.start();
-        QTRY_COMPARE(desktop.rightColour(), QStringLiteral("red"));
-        QCOMPARE(desktop.leftColour(), QStringLiteral("lime")); // the desktop's icons, in front
-        const auto window = desktop.openWindow(VirtualDesktop::WindowKind::Ordinary, Qt::blue);
-        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("blue"));
+        start();
+        QCOMPARE(m_desktop->leftColour(), u"lime"_s); // the desktop's icons, in front
+        const auto window = m_desktop->openWindow(WindowKind::Ordinary, Qt::blue);
+        QTRY_COMPARE(m_desktop->leftColour(), u"blue"_s);
 
         // Every change puts the wallpaper in its place again, which is the same one.
-        helper.home().writeSuiteValue(QStringLiteral("MonitorArrange"), QStringLiteral("1"));
+        m_helper->home().writeSuiteValue(u"MonitorArrange"_s, u"1"_s);
         QTest::qWait(1500);
-        QCOMPARE(desktop.leftColour(), QStringLiteral("blue"));
-        desktop.closeWindow(window);
-        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("lime"));
-        desktop.closeWindow(icons);
-        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
-    }
-
-    void serverWithoutAnExtension_showsThePictureAllTheSame_data()
-    {
-        QTest::addColumn<QString>("extension");
-        QTest::newRow("no shared memory: pictures are sent") << "MIT-SHM";
-        QTest::newRow("no touches") << "XInputExtension";
-        QTest::newRow("no monitors") << "RANDR";
+        QCOMPARE(m_desktop->leftColour(), u"blue"_s);
+        m_desktop->closeWindow(window);
+        QTRY_COMPARE(m_desktop->leftColour(), u"lime"_s);
+        m_desktop->closeWindow(icons);
+        QTRY_COMPARE(m_desktop->leftColour(), u"red"_s);
     }
 
     void serverWithoutAnExtension_showsThePictureAllTheSame()
     {
-        QFETCH(QString, extension);
-        VirtualDesktop desktop({1280, 720}, {QStringLiteral("-extension"), extension});
-        HelperProcess helper(desktop);
-        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
-        helper.start();
-        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
-        QTRY_COMPARE(desktop.colour({1279, 719}), QStringLiteral("red")); // to the last strip
-        if (extension == u"RANDR")
-            helper.process().readAllStandardError(); // Qt says that it misses it
+        // Pictures are sent, there are no touches, and no monitors.
+        for (const auto& extension : {u"MIT-SHM"_s, u"XInputExtension"_s, u"RANDR"_s}) {
+            cleanup();
+            makeDesktop(false, {u"-extension"_s, extension});
+            start();
+            QTRY_COMPARE(m_desktop->colour({1279, 719}), u"red"_s); // to the last strip
+        }
+        m_helper->process().readAllStandardError(); // Qt says that it misses the monitors
     }
 
-    void secondaryButton_opensTheWindowManagersMenu()
+    void requestToClose_isIgnoredAndTheSecondaryButtonIsPassedOn()
     {
-        VirtualDesktop desktop;
-        desktop.startWindowManager();
-        HelperProcess helper(desktop);
-        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
-        helper.start();
-        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
+        makeDesktop(true);
+        start();
 
-        desktop.moveAndClick({600, 300}, 3);
-
-        QTRY_VERIFY(desktop.colour({620, 330}) != u"red");
-        QVERIFY(!helper.lines().contains(u"mouse down"));
-    }
-
-    void requestToClose_isIgnored()
-    {
-        VirtualDesktop desktop;
-        desktop.startWindowManager();
-        HelperProcess helper(desktop);
-        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
-        helper.start();
-        QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
-
-        desktop.requestClose();
+        m_desktop->requestClose();
         QTest::qWait(500);
+        QCOMPARE(m_desktop->leftColour(), u"red"_s);
+        QCOMPARE(m_helper->process().state(), QProcess::Running);
 
-        QCOMPARE(desktop.leftColour(), QStringLiteral("red"));
-        QCOMPARE(helper.process().state(), QProcess::Running);
+        m_desktop->moveAndClick({600, 300}, 3);
+        QTRY_VERIFY(m_desktop->colour({620, 330}) != u"red"); // the window manager's menu
+        QVERIFY(!m_helper->lines().contains(u"mouse down"));
     }
 
     void whenTheServerGoes_theHelperEnds()
     {
-        auto desktop = std::make_unique<VirtualDesktop>();
-        HelperProcess helper(*desktop);
+        makeDesktop(false);
         // Qt ends the process on the spot, which a leak check would take for a leak of everything.
-        helper.ignoreLeaks();
-        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
-        helper.start();
-        QTRY_COMPARE(desktop->leftColour(), QStringLiteral("red"));
+        m_helper->setEnvironment(u"ASAN_OPTIONS"_s, u"detect_leaks=0"_s);
+        start();
 
-        desktop.reset();
+        m_desktop.reset();
 
-        QVERIFY(helper.waitForEnd());
-        QCOMPARE(helper.process().exitStatus(), QProcess::NormalExit);
-        helper.process().readAllStandardError(); // says why
+        QVERIFY(m_helper->waitForEnd());
+        QCOMPARE(m_helper->process().exitStatus(), QProcess::NormalExit);
+        m_helper->process().readAllStandardError(); // says why
     }
 
     void windowManager_mayComeGoAndComeBack()
     {
-        VirtualDesktop desktop;
-        HelperProcess helper(desktop);
-        helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));
-        helper.start();
-        QTRY_COMPARE(desktop.rightColour(), QStringLiteral("red"));
-
+        makeDesktop(false);
+        start();
         for (int i = 0; i < 2; ++i) {
-            desktop.startWindowManager();
+            m_desktop->startWindowManager();
             // Managed now: it stays when another space is shown, and below what it manages.
-            const auto window = desktop.openWindow(VirtualDesktop::WindowKind::Ordinary, Qt::blue);
-            QTRY_COMPARE(desktop.leftColour(), QStringLiteral("blue"));
-            QTRY_COMPARE(desktop.rightColour(), QStringLiteral("red"));
-            desktop.requestDesktop(1);
-            QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
-            desktop.requestDesktop(0);
-            QTRY_COMPARE(desktop.leftColour(), QStringLiteral("blue"));
-            desktop.closeWindow(window);
+            const auto window = m_desktop->openWindow(WindowKind::Ordinary, Qt::blue);
+            QTRY_COMPARE(colours(), u"blue red"_s);
+            m_desktop->requestDesktop(1);
+            QTRY_COMPARE(colours(), u"red red"_s);
+            m_desktop->requestDesktop(0);
+            QTRY_COMPARE(colours(), u"blue red"_s);
+            m_desktop->closeWindow(window);
 
-            desktop.killWindowManager();
-            QTRY_COMPARE(desktop.leftColour(), QStringLiteral("red"));
-            QTRY_COMPARE(desktop.rightColour(), QStringLiteral("red"));
+            m_desktop->killWindowManager();
+            QTRY_COMPARE(colours(), u"red red"_s);
         }
     }
+
+private:
+    void makeDesktop(bool isManaged, const QStringList& serverArguments = {})
+    {
+        m_desktop = std::make_unique<VirtualDesktop>(QSize(1280, 720), serverArguments);
+        if (isManaged)
+            m_desktop->startWindowManager();
+        m_helper = std::make_unique<HelperProcess>(*m_desktop);
+        m_helper->addVideo(u"r"_s, u"red"_s);
+    }
+    void start()
+    {
+        m_helper->start();
+        QTRY_COMPARE(m_desktop->rightColour(), u"red"_s);
+    }
+    QString colours() const { return m_desktop->leftColour() + u' ' + m_desktop->rightColour(); }
+
+    std::unique_ptr<VirtualDesktop> m_desktop;
+    std::unique_ptr<HelperProcess> m_helper;
 };
 
 QTEST_GUILESS_MAIN(StackingTest)

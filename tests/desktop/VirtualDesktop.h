@@ -1,15 +1,13 @@
 #pragma once
 
+#include "platform/linux/x11/X11Handles.h"
+
 #include <QColor>
 #include <QPoint>
 #include <QProcess>
 #include <QRect>
 #include <QSize>
-#include <QString>
 
-#include <xcb/xcb.h>
-
-#include <memory>
 #include <vector>
 
 /// An X server without a screen and a session bus of its own. What it shows is read
@@ -28,7 +26,7 @@ public:
     QString display() const { return m_display; }
     QString busAddress() const { return m_busAddress; }
     xcb_connection_t* connection() const { return m_connection.get(); }
-    xcb_window_t root() const;
+    xcb_window_t root() const { return m_screen->root; }
 
     /// Returns when it manages windows.
     void startWindowManager();
@@ -39,7 +37,7 @@ public:
 
     /// The whole screen as one monitor; a left one only, or a left and a right one.
     enum class Monitors { One, LeftHalf, TwoHalves };
-    void setMonitors(Monitors monitors);
+    void setMonitors(Monitors monitors) const;
 
     /// "red" for anything near pure red, and so on; "#rrggbb" for what is no such colour.
     QString colour(const QPoint& point) const;
@@ -61,28 +59,24 @@ public:
         WindowKind kind, const QColor& colour, const QRect& frame = {100, 100, 300, 300}) const;
     void closeWindow(xcb_window_t window) const;
     void moveWindow(xcb_window_t window, const QPoint& position) const;
-    /// As the window's program may ask.
-    void iconify(xcb_window_t window) const;
-    /// As pagers do.
-    void sendToDesktop(xcb_window_t window, std::uint32_t number) const;
-    /// Asks the window manager to close every window that it manages, as a pager may.
+
+    /// What pagers and the windows' programs ask of the window manager.
+    void iconify(xcb_window_t window) const { ask(window, "WM_CHANGE_STATE", 3); }
+    void sendToDesktop(xcb_window_t window, std::uint32_t number) const
+    {
+        ask(window, "_NET_WM_DESKTOP", number);
+    }
+    void requestDesktop(std::uint32_t number) const { ask(root(), "_NET_CURRENT_DESKTOP", number); }
+    /// Of every window that is managed.
     void requestClose() const;
-    /// As pagers do.
-    void requestDesktop(std::uint32_t number) const;
-    /// Of the managed windows that have one, without those of the desktop itself.
+
+    /// Of the managed windows, in the order in which they came.
     QStringList windowTitles() const;
 
 private:
-    struct Disconnect {
-        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
-    };
-    bool hasWindowManager() const;
+    void ask(xcb_window_t window, const char* what, std::uint32_t value) const;
     std::vector<xcb_window_t> managedWindows() const;
-    void setProperty(xcb_window_t window,
-        const char* name,
-        xcb_atom_t type,
-        const std::vector<std::uint32_t>& values) const;
-    void sendToRoot(xcb_window_t window, const char* type, std::uint32_t value) const;
+    QByteArray property(xcb_window_t window, const char* name) const;
     xcb_atom_t atom(const char* name) const;
 
     QSize m_size;
@@ -91,5 +85,6 @@ private:
     QProcess m_windowManager;
     QString m_display;
     QString m_busAddress;
-    std::unique_ptr<xcb_connection_t, Disconnect> m_connection;
+    X11ConnectionHandle m_connection;
+    const xcb_screen_t* m_screen;
 };
