@@ -216,6 +216,7 @@ private Q_SLOTS:
 
         helper.process().terminate(); // in its first seconds, but as one should
         QVERIFY(helper.waitForEnd());
+        QTRY_COMPARE(m_desktop.leftColour(), u"black"_s); // the bare root
         helper.start();
         QTRY_COMPARE(m_desktop.leftColour(), u"red"_s);
     }
