@@ -4,8 +4,7 @@
 
 #include <optional>
 
-/// Base64 in one line (RFC 4648, 4), three times as fast as Qt's: replies are megabytes, on the
-/// main thread.
+/// Base64 in one line (RFC 4648, 4), three times as fast as Qt's: replies are megabytes.
 namespace Base64 {
 
 QByteArray encode(const QByteArray& bytes);
