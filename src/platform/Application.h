@@ -38,6 +38,8 @@ Q_SIGNALS:
     void willTerminate();
 
 private:
+    void followDisplay();
+
     class Body;
     std::unique_ptr<Body> m_body;
 };

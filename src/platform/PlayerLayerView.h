@@ -14,10 +14,10 @@ enum class VideoGravity { ResizeAspectFill }; ///< fills the frame, cropped, its
 enum class PlayerControlsStyle { None = 0 };
 
 struct MouseEvent {
-    QPoint location; ///< in the window, device pixels
+    QPoint location; ///< in the window, desktop units
 };
 struct TouchEvent {
-    QPoint location; ///< in the window, device pixels
+    QPoint location; ///< in the window, desktop units
 };
 
 /// A view that shows a player's picture in its frame. Views of one player share one decoder, and
@@ -26,13 +26,13 @@ struct TouchEvent {
 class PlayerLayerView {
 public:
     /// `frame` is relative to the content view's origin and may lie partly outside it, in which
-    /// case the window shows the part that is inside. Device pixels, y downward.
+    /// case the window shows the part that is inside. Desktop units, y downward.
     explicit PlayerLayerView(const QRect& frame);
     virtual ~PlayerLayerView();
     PlayerLayerView(const PlayerLayerView&) = delete;
     PlayerLayerView& operator=(const PlayerLayerView&) = delete;
 
-    const QRect& frame() const;
+    const QRect& frame() const { return m_frame; }
 
     /// Borrowed: the player must outlive the view.
     void setPlayer(Player& player);
@@ -52,5 +52,6 @@ public:
     Body& body() { return *m_body; }
 
 private:
+    QRect m_frame;
     std::unique_ptr<Body> m_body;
 };

@@ -27,7 +27,8 @@ public:
     void openUrl(const QUrl& url);
 
 Q_SIGNALS:
-    /// Another space (virtual desktop) is shown now.
+    /// Another space (virtual desktop) is shown now. Emitted by the application, which hears it
+    /// from the display.
     void activeSpaceDidChange();
 
     /// The machine has been asleep and runs again. On Linux this is `PrepareForSleep(false)` of

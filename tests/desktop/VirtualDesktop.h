@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/x11/X11Handles.h"
+#include "platform/linux/display/x11/X11Handles.h"
 
 #include <QColor>
 #include <QPoint>

@@ -88,21 +88,11 @@ void DesktopWindow::addSubview(std::unique_ptr<PlayerLayerView> view)
     m_body->views.push_back(std::move(view));
 }
 
-class PlayerLayerView::Body {
-public:
-    QRect frame;
-};
+class PlayerLayerView::Body {};
 
-PlayerLayerView::PlayerLayerView(const QRect& frame) : m_body(std::make_unique<Body>(Body{frame}))
-{
-}
+PlayerLayerView::PlayerLayerView(const QRect& frame) : m_frame(frame) {}
 
 PlayerLayerView::~PlayerLayerView() = default;
-
-const QRect& PlayerLayerView::frame() const
-{
-    return m_body->frame;
-}
 
 void PlayerLayerView::setPlayer(Player&) {}
 void PlayerLayerView::setVideoGravity(VideoGravity) {}

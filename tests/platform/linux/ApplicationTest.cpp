@@ -202,6 +202,7 @@ int main(int argc, char** argv)
     static VirtualDesktop desktop; // static, to go after what uses it
     qputenv("DISPLAY", desktop.display().toUtf8());
     qputenv("DBUS_SESSION_BUS_ADDRESS", desktop.busAddress().toUtf8());
+    qputenv("QT_QPA_PLATFORM", "xcb"); // the keyboard is X11's
     static Application application(argc, argv);
     QObject::connect(&application, &Application::didFinishLaunching, &application, [argc, argv] {
         ApplicationTest test(desktop, application);

@@ -1,4 +1,4 @@
-#include "platform/linux/Occlusion.h"
+#include "platform/linux/display/Occlusion.h"
 
 #include <QTest>
 

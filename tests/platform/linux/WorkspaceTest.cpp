@@ -1,7 +1,7 @@
 #include "platform/Workspace.h"
 #include "desktop/VirtualDesktop.h"
 #include "platform/linux/BusDaemon.h"
-#include "platform/linux/gio/GioHandles.h"
+#include "platform/linux/workspace/GioHandles.h"
 #include "support/CapturedOutput.h"
 #include "support/TemporaryHome.h"
 

@@ -1,24 +1,12 @@
 #pragma once
 
-#include "platform/linux/PlayerLayerViewBody.h"
-
-#include <QRect>
-
-#include <mpv/render.h>
+#include "platform/linux/video/FrameTarget.h"
+#include "platform/linux/video/RenderContext.h"
 
 #include <vector>
 
-/// Where the picture of one view goes.
-struct Surface {
-    std::uint32_t window = 0; ///< the display's name of the window
-    QSize windowSize;         ///< device pixels
-    QRect frame; ///< the view's, relative to the window; the picture is made in this size
-
-    bool operator==(const Surface&) const = default;
-};
-
-/// Draws pictures and puts them into windows, in one way of several. All calls come from the
-/// render thread, the construction too; nothing here may wait for the display for long.
+/// Draws pictures and shows them on the surfaces of one display server, in one way of several. All
+/// calls come from the render thread, the construction too. Nothing here may wait for the display.
 class FramePresenter {
 public:
     FramePresenter() = default;
@@ -26,23 +14,28 @@ public:
     FramePresenter(const FramePresenter&) = delete;
     FramePresenter& operator=(const FramePresenter&) = delete;
 
-    /// The kind of render context that `draw` needs (MPV_RENDER_API_TYPE_...).
-    virtual const char* renderApi() const = 0;
+    /// Null when this way of drawing does not work here.
+    virtual RenderContext createContext(mpv_handle& core) = 0;
+    /// The value of libmpv's option "hwdec" whose pictures it can draw.
+    virtual const char* hardwareDecoding() const = 0;
 
-    /// Becomes readable when `dispatch` has something to do.
+    /// Readable when the display server has sent something; negative when it never will again.
     virtual int descriptor() const = 0;
-    virtual void dispatch() = 0;
+    /// Called before and after each wait for the descriptor, in pairs.
+    virtual void beginWait() = 0;
+    virtual void endWait() = 0;
 
-    virtual void setSurfaces(const std::vector<Surface>& surfaces) = 0;
+    virtual void setTargets(const std::vector<FrameTarget>& targets) = 0;
     /// Whether there is anything to draw for.
-    virtual bool hasSurfaces() const = 0;
-    /// Whether the display is done with the last picture, so that a new one may be drawn.
+    virtual bool hasTargets() const = 0;
+    /// Whether a new picture may be drawn: some target would show it at once. Targets that do not
+    /// follow never hold up the others.
     virtual bool isReady() const = 0;
 
-    /// Draws the context's current picture once for each size of frame.
+    /// Draws the context's current picture once for each size of view.
     virtual void draw(mpv_render_context& context) = 0;
     /// Makes the picture black.
     virtual void clear() = 0;
-    /// Puts what was drawn last into every window.
+    /// Shows what was drawn last on every target that follows; on the others as soon as they do.
     virtual void present() = 0;
 };

@@ -1,7 +1,6 @@
 #include "platform/linux/video/MpvHandle.h"
 
-#include <QDir>
-#include <QFileInfo>
+#include <QtGlobal>
 
 #include <algorithm>
 #include <string>
@@ -21,6 +20,7 @@ constexpr Option options[] = {
     {"keep-open-pause", "no"},
     {"panscan", "1.0"},
     {"video-rotate", "no"}, // UprightFilter does
+    {"hwdec", "no"},        // until there is a presenter that says what fits
     {"sws-allow-zimg", "no"},
     {"sws-fast", "yes"},
     {"sws-scaler", "fast-bilinear"},
@@ -59,15 +59,6 @@ constexpr Option options[] = {
     {"demuxer-max-back-bytes", "0"},
 };
 
-/// Whether there is a device that could decode. Where there is none, looking for decoders would
-/// only load their libraries, at the cost of start-up time and memory, and print their complaints.
-bool hasGraphicsDevice()
-{
-    const auto renderNodes =
-        QDir(QStringLiteral("/dev/dri")).entryList({QStringLiteral("renderD*")}, QDir::System);
-    return !renderNodes.isEmpty() || QFileInfo::exists(QStringLiteral("/dev/nvidiactl"));
-}
-
 /// Each decoding thread keeps pictures of its own, 3 MB each at 1080p: more threads than a large
 /// video needs would only cost memory.
 std::string decodingThreads()
@@ -85,8 +76,6 @@ MpvHandle Mpv::create()
     // An option that another version of libmpv does not know is no reason not to play.
     for (const auto& [name, value] : options)
         mpv_set_option_string(handle.get(), name, value);
-    // Hardware decoders must copy back: the pictures are drawn by the CPU.
-    mpv_set_option_string(handle.get(), "hwdec", hasGraphicsDevice() ? "auto-copy-safe" : "no");
     mpv_set_option_string(handle.get(), "vd-lavc-threads", decodingThreads().c_str());
     if (const int error = mpv_initialize(handle.get()); error < 0)
         qFatal("libmpv cannot start: %s", mpv_error_string(error));
@@ -97,6 +86,11 @@ void Mpv::setFlag(mpv_handle* handle, const char* property, bool value)
 {
     int flag = value ? 1 : 0;
     mpv_set_property_async(handle, 0, property, MPV_FORMAT_FLAG, &flag);
+}
+
+void Mpv::setText(mpv_handle* handle, const char* property, const char* value)
+{
+    mpv_set_property_async(handle, 0, property, MPV_FORMAT_STRING, &value);
 }
 
 void Mpv::setDouble(mpv_handle* handle, const char* property, double value)

@@ -19,6 +19,7 @@ namespace Mpv {
 MpvHandle create();
 
 void setFlag(mpv_handle* handle, const char* property, bool value);
+void setText(mpv_handle* handle, const char* property, const char* value);
 void setDouble(mpv_handle* handle, const char* property, double value);
 /// `request` comes back with the answer's event; 0 asks for none in particular.
 void command(

@@ -3,32 +3,21 @@
 #include "base/NotificationCenter.h"
 #include "platform/linux/video/MpvNode.h"
 #include "platform/linux/video/PlayerBody.h"
-#include "platform/linux/x11/X11CpuPresenter.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
-
-/// The ways to present are told apart here and nowhere else.
-std::unique_ptr<FramePresenter> makePresenter()
-{
-    const auto wish = qgetenv("TAVELOR_RENDERER");
-    if (wish == "gpu")
-        std::fputs("TAVELOR_RENDERER: this build draws with the CPU only\n", stderr);
-    else if (!wish.isEmpty() && wish != "cpu")
-        std::fputs("TAVELOR_RENDERER: neither \"gpu\" nor \"cpu\", ignored\n", stderr);
-    return std::make_unique<X11CpuPresenter>();
-}
 
 /// What the events that answer us carry as their request's number.
 constexpr quint64 endQuery = 1;
@@ -43,6 +32,14 @@ constexpr quint64 firstLoad =
 constexpr auto stillDuration = 5s;
 constexpr std::uint64_t fewPictures = 5;
 constexpr std::chrono::milliseconds shortRound = 100ms;
+
+/// Whether there is a device that could decode. Where there is none, looking for decoders would
+/// only load their libraries, at the cost of start-up time and memory, and print their complaints.
+bool hasGraphicsDevice()
+{
+    const auto renderNodes = QDir(u"/dev/dri"_s).entryList({u"renderD*"_s}, QDir::System);
+    return !renderNodes.isEmpty() || QFileInfo::exists(u"/dev/nvidiactl"_s);
+}
 
 } // namespace
 
@@ -105,10 +102,13 @@ PlayerItem* Player::currentItem() const
 }
 
 Player::Body::Body()
-    : m_core(Mpv::create()),
-      m_renderThread(m_core.get(), makePresenter),
+    : m_output(FrameOutput::shared()),
+      m_core(Mpv::create()),
+      m_renderThread(*m_core),
       m_upright(*m_core, firstUprightRequest)
 {
+    changePresenter();
+    connect(&m_output, &FrameOutput::presentersChanged, this, &Body::changePresenter);
     m_stillPicture.setSingleShot(true);
     m_stillPicture.setInterval(stillDuration);
     connect(&m_stillPicture, &QTimer::timeout, this, &Body::finishRound);
@@ -128,11 +128,32 @@ Player::Body::~Body()
     mpv_set_wakeup_callback(m_core.get(), nullptr, nullptr);
 }
 
+/// Called again when the display is lost and when it is there again.
+void Player::Body::changePresenter()
+{
+    const bool couldPresent = m_canPresent;
+    RenderThread::PresenterFactory make;
+    if (m_output.canPresent())
+        make = [this] { return m_output.makePresenter(); };
+    const auto* decoding = m_renderThread.setPresenter(std::move(make));
+    m_canPresent = decoding != nullptr;
+    if (decoding && hasGraphicsDevice())
+        Mpv::setText(m_core.get(), "hwdec", decoding);
+    applyPause();
+    if (m_canPresent && !couldPresent && m_item && !m_isLoaded)
+        load();
+}
+
 void Player::Body::setPaused(bool paused)
 {
     m_isPaused = paused;
     waitForStillPicture();
-    Mpv::setFlag(m_core.get(), "pause", paused);
+    applyPause();
+}
+
+void Player::Body::applyPause()
+{
+    Mpv::setFlag(m_core.get(), "pause", m_isPaused || !m_canPresent);
 }
 
 void Player::Body::setVolume(float volume)
@@ -196,6 +217,8 @@ void Player::Body::load()
         QMetaObject::invokeMethod(this, failLater, Qt::QueuedConnection);
         return;
     }
+    if (!m_canPresent)
+        return; // it is loaded when the display is there
     Mpv::command(m_core.get(), {"loadfile", QFile::encodeName(path).constData()}, m_request);
 }
 
@@ -324,7 +347,8 @@ void Player::Body::waitForStillPicture()
 void Player::Body::finishRound()
 {
     m_isStill = false;
-    NotificationCenter::defaultCenter().post(PlayerItem::didPlayToEndTimeNotification());
+    NotificationCenter::defaultCenter().post(
+        PlayerItem::didPlayToEndTimeNotification(), QVariant::fromValue<QObject*>(m_item.get()));
 }
 
 /// A file that was cut off, emptied or cannot be read any more is over without a picture. Playing

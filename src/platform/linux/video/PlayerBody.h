@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Player.h"
+#include "platform/linux/video/FrameOutput.h"
 #include "platform/linux/video/MpvHandle.h"
 #include "platform/linux/video/RenderThread.h"
 #include "platform/linux/video/UprightFilter.h"
@@ -39,6 +40,8 @@ private:
     /// What began the round that is being played: from the start of the item to its end.
     enum class Round { SinceLoad, SinceSeek };
 
+    void changePresenter();
+    void applyPause();
     void load();
     void forgetLoad();
     void leaveItem();
@@ -55,6 +58,7 @@ private:
     void handleLoadAnswer(const mpv_event& event);
     void setIsAtEnd(bool isAtEnd);
 
+    FrameOutput& m_output;
     MpvHandle m_core;
     RenderThread m_renderThread; // after the core, so that it goes first
     UprightFilter m_upright;
@@ -74,6 +78,7 @@ private:
     QTimer m_stillPicture;  // running meanwhile
 
     bool m_isPaused = true;
+    bool m_canPresent = false; // while it cannot, the core rests
     float m_volume = 1;
     bool m_isMuted = false;
 };

@@ -1,0 +1,163 @@
+#include "platform/Application.h"
+
+#include "base/Debounce.h"
+#include "base/NotificationCenter.h"
+#include "platform/SessionInstance.h"
+#include "platform/Workspace.h"
+#include "platform/linux/application/DisplayChoice.h"
+#include "platform/linux/application/ProcessEnd.h"
+#include "platform/linux/application/QtDisplayWatch.h"
+#include "platform/linux/system/TerminationSignals.h"
+
+#include <QApplication>
+#include <QTimer>
+
+#include <chrono>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <malloc.h>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Qt would abort where there is no display; a sentence is kinder.
+void requireDisplay()
+{
+    if (DisplayChoice::isAnyThere())
+        return;
+    std::fputs("TavelorHelper needs an X11 display; DISPLAY names none that answers.\n", stderr);
+    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no thread has been started
+}
+
+/// Keeps the memory of one video from staying with the process when the next one plays. Pictures
+/// are megabytes: beyond a fixed size (glibc would raise it by itself) they go back to the system
+/// as they are freed, and the decoder's threads share their heaps.
+void limitRetainedMemory()
+{
+    constexpr int pictureSize = 256 * 1024;
+    mallopt(M_MMAP_THRESHOLD, pictureSize);
+    mallopt(M_TRIM_THRESHOLD, pictureSize);
+    mallopt(M_ARENA_MAX, 2);
+}
+
+int& prepare(int& argc)
+{
+    limitRetainedMemory();
+    requireDisplay();
+    return argc;
+}
+
+/// Says so once, whoever notices first.
+void reportLoss()
+{
+    static bool hasReported = false;
+    if (!std::exchange(hasReported, true))
+        std::fputs("The X server has closed the connection.\n", stderr);
+}
+
+void reportProblem(const DisplayServer& display)
+{
+    const auto problem = display.problem();
+    if (!problem.isEmpty())
+        std::fprintf(stderr, "%s\n", qUtf8Printable(problem));
+}
+
+} // namespace
+
+class Application::Body {
+public:
+    Body(int& argc, char** argv, Application& application);
+
+    QtDisplayWatch qtDisplay;
+    QApplication qt;
+    TerminationSignals terminationSignals;
+    std::unique_ptr<DisplayServer> display;
+    std::vector<Screen> screens; // as the delegate knows them
+    Debounce screenChanges;
+
+private:
+    void tellScreenChange(Application& application);
+};
+
+Application::Body::Body(int& argc, char** argv, Application& application)
+    : qtDisplay([&application] {
+          reportLoss();
+          Q_EMIT application.willTerminate();
+          endProcess(EXIT_FAILURE);
+      }),
+      qt(prepare(argc), argv),
+      terminationSignals([&application] { application.terminate(); }),
+      display(DisplayChoice::make()),
+      screenChanges(100ms, [this, &application] { tellScreenChange(application); })
+{
+}
+
+void Application::Body::tellScreenChange(Application& application)
+{
+    if (auto now = Screen::screens(); now != std::exchange(screens, now)) {
+        Q_EMIT application.didChangeScreenParameters();
+        NotificationCenter::defaultCenter().post(didChangeScreenParametersNotification());
+    }
+}
+
+Application::Application(int& argc, char** argv) : m_body(std::make_unique<Body>(argc, argv, *this))
+{
+    std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): libmpv insists on it
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+
+    if (SessionInstance::claim() == SessionInstance::Claim::Taken) {
+        std::fputs("TavelorHelper is already running in this session.\n", stderr);
+        std::exit(EXIT_SUCCESS); // NOLINT(concurrency-mt-unsafe)
+    }
+    followDisplay();
+    connect(&m_body->qt,
+        &QGuiApplication::applicationStateChanged,
+        this,
+        [this](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationInactive)
+                Q_EMIT didResignActive();
+        });
+    // A session that ends tells Qt, which quits: the same way out for all.
+    connect(&m_body->qt, &QCoreApplication::aboutToQuit, this, &Application::willTerminate);
+}
+
+void Application::followDisplay()
+{
+    auto* const display = m_body->display.get();
+    m_body->screens = display->screens();
+    connect(
+        display, &DisplayServer::screensChanged, this, [this] { m_body->screenChanges.call(); });
+    connect(display, &DisplayServer::occlusionChanged, this, &Application::didChangeOcclusionState);
+    connect(display,
+        &DisplayServer::activeSpaceChanged,
+        &Workspace::shared(),
+        &Workspace::activeSpaceDidChange);
+    connect(display, &DisplayServer::problemChanged, this, [display] { reportProblem(*display); });
+    connect(display, &DisplayServer::lost, this, [] {
+        reportLoss();
+        QCoreApplication::exit(EXIT_FAILURE);
+    });
+    reportProblem(*display);
+}
+
+Application::~Application() = default;
+
+QString Application::didChangeScreenParametersNotification()
+{
+    return u"NSApplicationDidChangeScreenParametersNotification"_s;
+}
+
+void Application::run()
+{
+    QTimer::singleShot(0ms, this, &Application::didFinishLaunching);
+    endProcess(QApplication::exec());
+}
+
+void Application::terminate()
+{
+    QCoreApplication::quit();
+}

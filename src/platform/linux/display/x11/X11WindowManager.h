@@ -1,0 +1,46 @@
+#pragma once
+
+#include "base/Debounce.h"
+#include "base/Disposable.h"
+#include "platform/linux/display/x11/X11Connection.h"
+
+#include <QObject>
+
+#include <optional>
+
+/// Which window manager runs, as far as desktop windows are concerned
+/// (https://specifications.freedesktop.org/wm-spec).
+class X11WindowManager : public QObject {
+    Q_OBJECT
+
+public:
+    explicit X11WindowManager(X11Connection& connection);
+
+    enum class DesktopWindows {
+        /// A window manager runs that lists the desktop type among what it supports.
+        Managed,
+        /// There is none, or a tiling one that would place such a window among the others: it has
+        /// to bypass the window manager and stay at the bottom of the stack by itself.
+        Bypassing,
+        /// The same below a Wayland compositor, which shows windows that bypass it above all
+        /// others.
+        Impossible,
+    };
+    DesktopWindows desktopWindows() const { return m_desktopWindows; }
+
+    /// Whether one runs now that lists this among what it supports. Asks the server.
+    bool supports(xcb_atom_t hint);
+
+Q_SIGNALS:
+    void desktopWindowsChanged();
+
+private:
+    void probe();
+    xcb_window_t checkWindow();
+
+    X11Connection& m_connection;
+    bool m_isXwayland;
+    DesktopWindows m_desktopWindows = DesktopWindows::Bypassing;
+    Debounce m_settling; // a window manager sets its properties one after the other
+    std::optional<Disposable> m_checkWindowWatch;
+};

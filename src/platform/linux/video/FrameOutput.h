@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/linux/video/FramePresenter.h"
+
+#include <QObject>
+
+#include <memory>
+
+/// Where players' pictures go: the display, as far as players need to know it. Main thread only,
+/// unless said otherwise.
+class FrameOutput : public QObject {
+    Q_OBJECT
+
+public:
+    FrameOutput();
+    ~FrameOutput() override;
+
+    /// The one that was made last. It has to be there before a player is made.
+    static FrameOutput& shared();
+
+    /// Whether pictures can be shown at all. While they cannot, nothing is decoded.
+    virtual bool canPresent() const = 0;
+    /// For the render thread, which calls it while `canPresent()`.
+    virtual std::unique_ptr<FramePresenter> makePresenter() = 0;
+
+Q_SIGNALS:
+    /// Presenters that were made earlier must go before this returns; `canPresent()` tells whether
+    /// there may be new ones.
+    void presentersChanged();
+};
