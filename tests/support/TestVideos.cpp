@@ -34,6 +34,14 @@ void TestVideos::makeHalves(const QString& path, const QString& left, const QStr
     make(path, QStringList{u"-filter_complex"_s, source} + encoder);
 }
 
+void TestVideos::makeThirds(const QString& path)
+{
+    const auto source =
+        u"color=c=red:s=640x360:r=30:d=2[a];color=c=lime:s=640x360:r=30:d=2[b];"
+        "color=c=blue:s=640x720:r=30:d=2[c];[a][b]vstack[l];[l][c]hstack,%1"_s.arg(colours);
+    make(path, QStringList{u"-filter_complex"_s, source} + encoder);
+}
+
 void TestVideos::makeSequence(const QString& path, double seconds)
 {
     const auto source = QStringLiteral("color=c=red:s=1280x720:r=30:d=%1[a];"

@@ -9,6 +9,8 @@ namespace TestVideos {
 void makePlain(const QString& path, const QString& colour, double seconds = 2);
 /// The left half of one colour, the right half of another.
 void makeHalves(const QString& path, const QString& left, const QString& right);
+/// The left half red above and lime below, the right half blue.
+void makeThirds(const QString& path);
 /// Red for so many seconds, then lime for as many.
 void makeSequence(const QString& path, double seconds);
 /// Anything: the arguments between `ffmpeg -y` and the path.
