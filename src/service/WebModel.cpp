@@ -3,8 +3,8 @@
 #include "identity/AppInfo.h"
 #include "identity/GroupPreferences.h"
 #include "service/Envelope.h"
-#include "service/JSONCoding.h"
 #include "service/ServiceOrigin.h"
+#include "json/JSONCoding.h"
 
 #include <QRandomGenerator>
 #include <QTimer>

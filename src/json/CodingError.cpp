@@ -1,6 +1,6 @@
-#include "service/CodingError.h"
+#include "json/CodingError.h"
 
-#include "service/TextFromUtf8.h"
+#include "json/TextFromUtf8.h"
 
 #include <algorithm>
 

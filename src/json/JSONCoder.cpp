@@ -1,4 +1,4 @@
-#include "service/JSONCoder.h"
+#include "json/JSONCoder.h"
 
 #include <nlohmann/json.hpp>
 

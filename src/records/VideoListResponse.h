@@ -1,8 +1,8 @@
 #pragma once
 
-#include "service/JSONMember.h"
-#include "service/ServiceReply.h"
-#include "service/VideoDetail.h"
+#include "records/ServiceReply.h"
+#include "records/VideoDetail.h"
+#include "json/JSONMember.h"
 
 #include <QString>
 #include <QtGlobal>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "service/JSONAny.h"
-#include "service/JSONCoder.h"
-#include "service/JSONMember.h"
+#include "json/JSONAny.h"
+#include "json/JSONCoder.h"
+#include "json/JSONMember.h"
 
 #include <QByteArray>
 #include <QString>

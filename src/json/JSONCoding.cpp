@@ -1,6 +1,6 @@
-#include "service/JSONCoding.h"
+#include "json/JSONCoding.h"
 
-#include "service/TextFromUtf8.h"
+#include "json/TextFromUtf8.h"
 
 #include <cmath>
 #include <limits>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "service/JSONCoder.h"
-#include "service/JSONNull.h"
+#include "json/JSONCoder.h"
+#include "json/JSONNull.h"
 
 #include <QVariant>
 

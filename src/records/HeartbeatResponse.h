@@ -1,8 +1,8 @@
 #pragma once
 
-#include "service/JSONAny.h"
-#include "service/JSONMember.h"
-#include "service/ServiceReply.h"
+#include "records/ServiceReply.h"
+#include "json/JSONAny.h"
+#include "json/JSONMember.h"
 
 #include <QString>
 #include <QtGlobal>

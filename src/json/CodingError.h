@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/JSONCodingKey.h"
+#include "json/JSONCodingKey.h"
 
 #include <QString>
 #include <QVariant>

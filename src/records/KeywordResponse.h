@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/ServiceReply.h"
+#include "records/ServiceReply.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "service/TextFromUtf8.h"
+#include "json/TextFromUtf8.h"
 
 #include <QStringDecoder>
 

@@ -1,12 +1,12 @@
-#include "service/BaseInfoResponse.h"
-#include "service/GuideResponse.h"
-#include "service/HeartbeatResponse.h"
-#include "service/JSONCoding.h"
-#include "service/KeywordResponse.h"
+#include "records/BaseInfoResponse.h"
+#include "records/GuideResponse.h"
+#include "records/HeartbeatResponse.h"
+#include "records/KeywordResponse.h"
+#include "records/UpgradeInfo.h"
+#include "records/VideoListRequest.h"
+#include "records/VideoListResponse.h"
 #include "service/StandInService.h"
-#include "service/UpgradeInfo.h"
-#include "service/VideoListRequest.h"
-#include "service/VideoListResponse.h"
+#include "json/JSONCoding.h"
 
 #include <QTest>
 

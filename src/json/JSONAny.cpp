@@ -1,7 +1,7 @@
-#include "service/JSONAny.h"
+#include "json/JSONAny.h"
 
-#include "service/JSONCoding.h"
-#include "service/TextFromUtf8.h"
+#include "json/JSONCoding.h"
+#include "json/TextFromUtf8.h"
 
 #include <cmath>
 

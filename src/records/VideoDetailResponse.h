@@ -1,7 +1,7 @@
 #pragma once
 
-#include "service/ServiceReply.h"
-#include "service/VideoDetail.h"
+#include "records/ServiceReply.h"
+#include "records/VideoDetail.h"
 
 /// The reply with one video.
 using VideoDetailResponse = ServiceReply<VideoDetail>;

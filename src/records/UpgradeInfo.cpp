@@ -1,4 +1,4 @@
-#include "service/UpgradeInfo.h"
+#include "records/UpgradeInfo.h"
 
 std::optional<UpgradeInfo> UpgradeInfo::fromDictionary(const std::optional<QVariantMap>& dictionary)
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/CodingError.h"
+#include "json/CodingError.h"
 
 #include <nlohmann/json_fwd.hpp>
 

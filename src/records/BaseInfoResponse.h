@@ -1,7 +1,7 @@
 #pragma once
 
-#include "service/JSONMember.h"
-#include "service/ServiceReply.h"
+#include "records/ServiceReply.h"
+#include "json/JSONMember.h"
 
 #include <QString>
 #include <QtGlobal>

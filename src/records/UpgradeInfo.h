@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/JSONMember.h"
+#include "json/JSONMember.h"
 
 #include <QString>
 #include <QVariantMap>
