@@ -1,4 +1,5 @@
-#include "companion/LibraryEditor.h"
+#include "import/VideoProbe.h"
+#include "library/LibraryEditor.h"
 
 #include <QFile>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "companion/VideoProbe.h"
 #include "library/Database.h"
+#include "library/VideoFacts.h"
 
 #include <QUrl>
 

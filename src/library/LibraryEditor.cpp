@@ -1,4 +1,4 @@
-#include "companion/LibraryEditor.h"
+#include "library/LibraryEditor.h"
 
 #include "library/VideoUrl.h"
 

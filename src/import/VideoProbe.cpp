@@ -1,4 +1,4 @@
-#include "companion/VideoProbe.h"
+#include "import/VideoProbe.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -9,7 +9,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
-#include <numeric>
+#include <optional>
 #include <tuple>
 #include <utility>
 
@@ -90,12 +90,6 @@ std::pair<qint64, qint64> seenSize(AVFormatContext& format, AVStream& stream)
 }
 
 } // namespace
-
-QString VideoFacts::ratio() const
-{
-    const auto divisor = std::max<qint64>(1, std::gcd(width, height));
-    return u"%1:%2"_s.arg(width / divisor).arg(height / divisor);
-}
 
 std::variant<VideoFacts, ProbeFailure> probeVideo(
     const QString& path, const std::function<void(qint64 bytes)>& progress)

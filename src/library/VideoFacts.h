@@ -3,11 +3,7 @@
 #include <QString>
 #include <QtGlobal>
 
-#include <functional>
-#include <optional>
-#include <variant>
-
-/// What a video file says about itself (FFmpeg's libavformat reads it).
+/// What a video file says about itself, as far as the library keeps it.
 struct VideoFacts {
     QString sign;       ///< derived from the content: 24 hexadecimal digits
     QString title;      ///< the file's own, else its name without the extension
@@ -21,13 +17,3 @@ struct VideoFacts {
 
     QString ratio() const; ///< "16:9"
 };
-
-/// Why a file is not a video that could be played, for people.
-struct ProbeFailure {
-    QString reason;
-};
-
-/// Reads the whole file once, for its sign. `progress` is told how many bytes came since it was
-/// told last.
-std::variant<VideoFacts, ProbeFailure> probeVideo(
-    const QString& path, const std::function<void(qint64 bytes)>& progress = {});
