@@ -1,7 +1,7 @@
 #pragma once
 
-#include "records/ServiceReply.h"
 #include "json/JSONMember.h"
+#include "records/ServiceReply.h"
 
 #include <QString>
 #include <QtGlobal>

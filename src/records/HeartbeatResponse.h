@@ -1,8 +1,8 @@
 #pragma once
 
-#include "records/ServiceReply.h"
 #include "json/JSONAny.h"
 #include "json/JSONMember.h"
+#include "records/ServiceReply.h"
 
 #include <QString>
 #include <QtGlobal>

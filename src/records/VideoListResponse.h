@@ -1,8 +1,8 @@
 #pragma once
 
+#include "json/JSONMember.h"
 #include "records/ServiceReply.h"
 #include "records/VideoDetail.h"
-#include "json/JSONMember.h"
 
 #include <QString>
 #include <QtGlobal>

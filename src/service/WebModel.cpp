@@ -2,9 +2,9 @@
 
 #include "identity/AppInfo.h"
 #include "identity/GroupPreferences.h"
+#include "json/JSONCoding.h"
 #include "service/Envelope.h"
 #include "service/ServiceOrigin.h"
-#include "json/JSONCoding.h"
 
 #include <QRandomGenerator>
 #include <QTimer>

@@ -1,3 +1,4 @@
+#include "json/JSONCoding.h"
 #include "records/BaseInfoResponse.h"
 #include "records/GuideResponse.h"
 #include "records/HeartbeatResponse.h"
@@ -6,7 +7,6 @@
 #include "records/VideoListRequest.h"
 #include "records/VideoListResponse.h"
 #include "service/StandInService.h"
-#include "json/JSONCoding.h"
 
 #include <QTest>
 
