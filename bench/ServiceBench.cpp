@@ -1,9 +1,9 @@
 #include "ServiceBench.h"
 
 #include "Measurements.h"
+#include "json/JSONCoding.h"
+#include "records/HeartbeatResponse.h"
 #include "service/Envelope.h"
-#include "service/HeartbeatResponse.h"
-#include "service/JSONCoding.h"
 
 #include <QElapsedTimer>
 #include <QProcess>

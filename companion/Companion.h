@@ -1,6 +1,6 @@
 #pragma once
 
-#include "companion/LibraryEditor.h"
+#include "library/LibraryEditor.h"
 #include "platform/PreferencesSuite.h"
 #include "preferences/Preferences.h"
 

@@ -2,7 +2,7 @@
 
 #include "base/Disposable.h"
 #include "platform/Application.h"
-#include "service/UpgradeInfo.h"
+#include "records/UpgradeInfo.h"
 #include "ui/CustomAlertWindowController.h"
 #include "ui/UpgradeWindowController.h"
 

@@ -2,7 +2,7 @@
 
 #include "identity/AppInfo.h"
 #include "library/Database.h"
-#include "service/VideoDetail.h"
+#include "records/VideoDetail.h"
 
 #include <QStringList>
 

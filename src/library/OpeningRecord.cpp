@@ -20,10 +20,7 @@ OpeningRecord& OpeningRecord::shared()
     return record;
 }
 
-OpeningRecord::OpeningRecord(QString path) : m_path(std::move(path))
-{
-    refresh();
-}
+OpeningRecord::OpeningRecord(QString path) : m_path(std::move(path)) {}
 
 void OpeningRecord::refresh()
 {

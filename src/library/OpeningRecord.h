@@ -13,6 +13,7 @@
 /// One that is missing or damaged, or that cannot be written, suspects nobody. Main thread only.
 class OpeningRecord {
 public:
+    /// Reads nothing yet: no video is a suspect before one of the calls below has read the file.
     explicit OpeningRecord(QString path);
     /// The helper's, at its place among the group's caches.
     static OpeningRecord& shared();

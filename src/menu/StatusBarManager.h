@@ -7,7 +7,6 @@
 #include "platform/Workspace.h"
 #include "player/VideoPlayerManager.h"
 #include "preferences/Preferences.h"
-#include "service/UpgradeInfo.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -17,7 +16,6 @@
 
 #include <functional>
 #include <memory>
-#include <optional>
 #include <vector>
 
 class QFileDialog;

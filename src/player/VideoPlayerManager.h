@@ -2,24 +2,18 @@
 
 #include "base/Disposable.h"
 #include "base/NotificationCenter.h"
-#include "library/LocalVideoDBManager.h"
-#include "library/OpeningRecord.h"
-#include "platform/DesktopWindow.h"
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/Player.h"
-#include "platform/Screen.h"
 #include "platform/Workspace.h"
-#include "player/PlayableFileWatch.h"
-#include "player/VideoInfoList.h"
+#include "player/DesktopWindows.h"
+#include "player/PlayList.h"
 #include "preferences/Preferences.h"
 
 #include <QObject>
-#include <QSet>
 #include <QTimer>
 #include <QVariant>
 
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -44,8 +38,6 @@ public:
         NotificationCenter& center);
     ~VideoPlayerManager() override;
 
-    // -- windows (VideoPlayerManager.cpp)
-
     /// Makes all windows anew for the screens there are, and plays or closes as the preferences
     /// say.
     void createWindows();
@@ -56,16 +48,14 @@ public:
     /// Whether the video covers the desktop's icons. While closed it is only remembered.
     void setHideDesktopIcon(bool isHidden);
     /// Puts the window at the level of the desktop's icons, behind or in front of them.
-    void applyWindowLevel(DesktopWindow& window) const;
-    void applyWindowLevelToAll() const;
+    void applyWindowLevel(DesktopWindow& window) const { m_windows.applyLevel(window); }
+    void applyWindowLevelToAll() const { m_windows.applyLevelToAll(); }
 
     /// "screenType" (its raw value) and "screenIndex"; any other key is a property's name.
     QVariant valueForKey(const QString& key) const;
     void setScreenType(VideoPlayerScreenType screenType) { m_screenType = screenType; }
     qint64 screenIndex() const { return m_screenIndex; }
     void setScreenIndex(qint64 screenIndex) { m_screenIndex = screenIndex; }
-
-    // -- playback (VideoPlayerManagerPlayback.cpp)
 
     /// The shared player, made by the first call that needs it.
     Player& player();
@@ -85,55 +75,37 @@ public:
     void savePlayingSign();
 
 private:
-    std::vector<Screen> chosenScreens() const;
-    bool areWindowsMadeForTheScreens() const;
+    void observePreferences();
     void makeWindows();
-    void orderOutWindows() const;
     void activeSpaceDidChangeWithNotif();
     void tapVideoPlayerViewActionWithGrSender() const;
-    void updateVideoList();
 
     void makePlayer();
-    void recallUnfinishedOpening();
-    std::optional<QUrl> playableUrl();
-    std::unique_ptr<PlayerItem> makeItem(const std::optional<QUrl>& url);
-    void replaceItem(const std::optional<QUrl>& url);
+    void openPlayable();
     void observeItem();
+    void observeValueForKeyPath(const QString& keyPath, const PlayerItem& object);
+    void playerItemDidReachEnd();
     bool hasNothingToPlay();
     void playAgain();
     void watchForPlayableFiles();
-    void observeValueForKeyPath(const QString& keyPath, const PlayerItem& object);
-    void playerItemDidReachEnd();
+
+    void updateVideoList();
     void readLibraryAgain();
     void playingSignDidChange(const QString& sign);
-    bool isVideoFilePresent(const QString& sign);
-    void observePreferences();
 
     Preferences& m_preferences;
-    LocalVideoDBManager& m_library;
-    OpeningRecord& m_openings;
-
     VideoPlayerScreenType m_screenType;
     qint64 m_screenIndex;
     VideoPlayerPlayModel m_playModel;
     std::unique_ptr<Player> m_player;
-    std::vector<Screen> m_currentScreenList;
-    std::vector<std::unique_ptr<DesktopWindow>> m_windowList; // the windows of the list above
-    VideoInfoList m_videoList;
-    std::mutex m_videoListLocker; // held while the list is rebuilt; not recursive
-    bool m_isHideDesktopIcon = false;
+    DesktopWindows m_windows;
     bool m_haveScreensChangedWhileClosed = false;
+    PlayList m_playList;
+    bool m_isSavingSign = false;
+    QTimer m_libraryUpdates; // running for a while after one
+    bool m_isLibraryUpdateWaiting = false;
 
     std::optional<Disposable> m_statusObservation; // of the player's item
-    QSet<QString> m_failedFiles;                   // since a video has last played
-    bool m_isSavingSign = false;
-    PlayableFileWatch m_fileWatch; // watching while there is nothing to play
-    QTimer m_openingTime;          // running while an item is new
-    QTimer m_libraryUpdates;       // running for a while after one
-    bool m_isLibraryUpdateWaiting = false;
-    QTimer m_libraryRetry;
-    bool m_isListUnread = false;   // the library could not be read when the list was built
-    bool m_isChoiceUnread = false; // and when the chosen video was looked up
     std::vector<Disposable> m_notificationObservers;
     std::vector<Disposable> m_observerDisposables; // of the preferences
 };

@@ -87,9 +87,7 @@ QByteArray withEscapedQuotes(const QByteArray& text)
 std::optional<QByteArray> Envelope::sealBody(const QByteArray& body)
 {
     const auto sealed = cipher(withEscapedQuotes(body), Direction::Encipher);
-    if (!sealed)
-        return std::nullopt;
-    return Base64::encode(*sealed);
+    return sealed ? Base64::encode(*sealed) : std::nullopt;
 }
 
 std::optional<QByteArray> Envelope::openBody(const QByteArray& reply)

@@ -10,7 +10,7 @@
 namespace Envelope {
 
 /// A UTF-8 text as the service expects it: every double quote in it is preceded by a backslash
-/// before it is enciphered. None when the cipher fails.
+/// before it is enciphered. None when that fails.
 std::optional<QByteArray> sealBody(const QByteArray& body);
 
 /// The text of a reply in UTF-8, without the NUL characters that the service may fill it up with,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/GuideResponse.h"
+#include "records/GuideResponse.h"
 
 #include <QImage>
 #include <QMetaType>

@@ -2,8 +2,8 @@
 
 #include "identity/AppInfo.h"
 #include "identity/GroupPreferences.h"
+#include "json/JSONCoding.h"
 #include "service/Envelope.h"
-#include "service/JSONCoding.h"
 #include "service/ServiceOrigin.h"
 
 #include <QRandomGenerator>

@@ -3,14 +3,14 @@
 #include "base/NotificationCenter.h"
 #include "platform/PreferencesSuite.h"
 #include "platform/WallClockTimer.h"
-#include "service/BaseInfoResponse.h"
+#include "records/BaseInfoResponse.h"
+#include "records/HeartbeatResponse.h"
+#include "records/UpgradeInfo.h"
+#include "records/VideoListRequest.h"
 #include "service/GuideModel.h"
 #include "service/HeartBeatType.h"
-#include "service/HeartbeatResponse.h"
 #include "service/HeartbeatSchedule.h"
 #include "service/SessionManager.h"
-#include "service/UpgradeInfo.h"
-#include "service/VideoListRequest.h"
 
 #include <QObject>
 #include <QString>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/UpgradeInfo.h"
+#include "records/UpgradeInfo.h"
 #include "ui/WindowController.h"
 
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "service/VideoDetail.h"
+#include "records/VideoDetail.h"
 
 #include <QStringList>
 
