@@ -9,7 +9,9 @@
 #include "platform/linux/application/QtDisplayWatch.h"
 #include "platform/linux/system/TerminationSignals.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
+#include <QEventLoop>
 #include <QTimer>
 
 #include <chrono>
@@ -29,7 +31,9 @@ void requireDisplay()
 {
     if (DisplayChoice::isAnyThere())
         return;
-    std::fputs("TavelorHelper needs an X11 display; DISPLAY names none that answers.\n", stderr);
+    std::fputs("TavelorHelper needs a display; neither WAYLAND_DISPLAY nor DISPLAY names one that "
+               "answers.\n",
+        stderr);
     std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no thread has been started
 }
 
@@ -81,13 +85,17 @@ public:
 
 private:
     void tellScreenChange(Application& application);
+    [[noreturn]] void goOnWithoutQtDisplay(Application& application) const;
 };
 
 Application::Body::Body(int& argc, char** argv, Application& application)
-    : qtDisplay([&application] {
-          reportLoss();
-          Q_EMIT application.willTerminate();
-          endProcess(EXIT_FAILURE);
+    : qtDisplay({
+          [&application] {
+              reportLoss();
+              Q_EMIT application.willTerminate();
+              endProcess(EXIT_FAILURE);
+          },
+          [this, &application] { goOnWithoutQtDisplay(application); },
       }),
       qt(prepare(argc), argv),
       terminationSignals([&application] { application.terminate(); }),
@@ -102,6 +110,24 @@ void Application::Body::tellScreenChange(Application& application)
         Q_EMIT application.didChangeScreenParameters();
         NotificationCenter::defaultCenter().post(didChangeScreenParametersNotification());
     }
+}
+
+/// Qt cannot take up a new connection (6.4). The wallpaper, the menu on the session bus and the
+/// rest do not need Qt's; only windows for people are not shown any more. So the loop goes on from
+/// within the call that would have ended the process.
+void Application::Body::goOnWithoutQtDisplay(Application& application) const
+{
+    if (!display || !display->outlivesItsServer()) {
+        std::fputs("The Wayland compositor has closed the connection.\n", stderr);
+        Q_EMIT application.willTerminate();
+        endProcess(EXIT_FAILURE);
+    }
+    // Qt would look at its connection again with every turn.
+    QObject::disconnect(QAbstractEventDispatcher::instance(), nullptr, nullptr, nullptr);
+    display->followDispatcher();
+    const int status = QEventLoop().exec();
+    Q_EMIT application.willTerminate();
+    endProcess(status);
 }
 
 Application::Application(int& argc, char** argv) : m_body(std::make_unique<Body>(argc, argv, *this))

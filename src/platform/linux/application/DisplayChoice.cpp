@@ -1,8 +1,13 @@
 #include "platform/linux/application/DisplayChoice.h"
 
+#include "platform/linux/display/UnusableDisplay.h"
+#include "platform/linux/display/wayland/WaylandDisplay.h"
 #include "platform/linux/display/x11/X11Display.h"
 
 #include <cstdio>
+#include <utility>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -19,11 +24,21 @@ void readRendererWish()
 
 bool DisplayChoice::isAnyThere()
 {
-    return !xcb_connection_has_error(X11ConnectionHandle(xcb_connect(nullptr, nullptr)).get());
+    const X11ConnectionHandle x11(xcb_connect(nullptr, nullptr));
+    return !xcb_connection_has_error(x11.get()) || WaylandConnection::isThere();
 }
 
 std::unique_ptr<DisplayServer> DisplayChoice::make()
 {
     readRendererWish();
-    return X11Display::open();
+    auto wayland = WaylandConnection::open();
+    if (wayland.connection)
+        return std::make_unique<WaylandDisplay>(std::move(wayland.connection));
+    if (auto x11 = X11Display::open())
+        return x11;
+    if (wayland.outcome == WaylandConnection::Outcome::NoLayerShell)
+        return std::make_unique<UnusableDisplay>(
+            u"This Wayland compositor has no layer shell and there is no X server, so the "
+            "wallpaper cannot be shown."_s);
+    return nullptr;
 }

@@ -5,7 +5,7 @@
 #include <memory>
 
 /// Which display server the wallpaper is shown on: a Wayland compositor with layer shell, else the
-/// X server that DISPLAY names, else none that can show it. Nothing else asks.
+/// X server that DISPLAY names, else a display that cannot show it. Nothing else asks.
 namespace DisplayChoice {
 
 /// Whether any display answers. To be asked before the application object is made, because Qt

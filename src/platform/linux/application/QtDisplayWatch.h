@@ -4,13 +4,18 @@
 
 #include <functional>
 
-/// Qt has a connection to the display of its own. When that notices first that the display is
-/// gone, Qt would end the process with exit(), which takes down what other threads are in the
-/// middle of using. There is one watch in a process.
+/// Qt has a connection to the display of its own, and ends the process when that breaks: an X
+/// server's with exit(), which takes down what other threads are in the middle of using, a
+/// compositor's with _exit(). The only word on it is what it prints right before. There is one
+/// watch in a process.
 class QtDisplayWatch {
 public:
-    /// `endProcess` is called in place of that, and does not return.
-    explicit QtDisplayWatch(std::function<void()> endProcess);
+    /// Both are called in the middle of that, on the main thread, and do not return.
+    struct Ways {
+        std::function<void()> endAfterServerLoss;
+        std::function<void()> goOnAfterCompositorLoss;
+    };
+    explicit QtDisplayWatch(Ways ways);
     ~QtDisplayWatch();
     QtDisplayWatch(const QtDisplayWatch&) = delete;
     QtDisplayWatch& operator=(const QtDisplayWatch&) = delete;
@@ -19,6 +24,6 @@ private:
     static void hear(QtMsgType type, const QMessageLogContext& context, const QString& message);
 
     QtMessageHandler m_former;
-    std::function<void()> m_endProcess;
+    Ways m_ways;
     static QtDisplayWatch* instance;
 };

@@ -25,6 +25,10 @@ public:
     virtual std::vector<Screen> screens() const = 0;
     /// Whether it has a tray of its own, beside those on the session bus.
     virtual bool hasTray() { return false; }
+    /// Whether it goes on, without windows, when its server has gone, and waits for it to return.
+    virtual bool outlivesItsServer() const { return false; }
+    /// Connects to the event dispatcher's signals, which somebody has disconnected from all.
+    virtual void followDispatcher() {}
     /// Why people see no wallpaper, as a sentence; empty where they do.
     virtual QString problem() const { return {}; }
 

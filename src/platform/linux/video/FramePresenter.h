@@ -23,7 +23,7 @@ public:
     virtual int descriptor() const = 0;
     /// Called before and after each wait for the descriptor, in pairs.
     virtual void beginWait() = 0;
-    virtual void endWait() = 0;
+    virtual void endWait(bool isReadable) = 0;
 
     virtual void setTargets(const std::vector<FrameTarget>& targets) = 0;
     /// Whether there is anything to draw for.
@@ -31,6 +31,10 @@ public:
     /// Whether a new picture may be drawn: some target would show it at once. Targets that do not
     /// follow never hold up the others.
     virtual bool isReady() const = 0;
+
+    /// Whether a target that follows again shows an older picture than was drawn last, and none
+    /// that is drawn already would do.
+    virtual bool isBehind() const = 0;
 
     /// Draws the context's current picture once for each size of view.
     virtual void draw(mpv_render_context& context) = 0;

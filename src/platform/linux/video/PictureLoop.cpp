@@ -19,10 +19,11 @@ class NoPresenter : public FramePresenter {
     const char* hardwareDecoding() const override { return nullptr; }
     int descriptor() const override { return -1; }
     void beginWait() override {}
-    void endWait() override {}
+    void endWait(bool /*isReadable*/) override {}
     void setTargets(const std::vector<FrameTarget>& /*targets*/) override {}
     bool hasTargets() const override { return false; }
     bool isReady() const override { return false; }
+    bool isBehind() const override { return false; }
     void draw(mpv_render_context& /*context*/) override {}
     void clear() override {}
     void present() override {}
@@ -114,7 +115,7 @@ void PictureLoop::wait(int wakeDescriptor)
         timeout.tv_nsec = std::chrono::nanoseconds(left).count();
     }
     ppoll(descriptors.data(), descriptors.size(), wakeUp ? &timeout : nullptr, nullptr);
-    m_presenter->endWait();
+    m_presenter->endWait(descriptors[1].revents != 0);
 }
 
 void PictureLoop::run()
@@ -134,6 +135,7 @@ void PictureLoop::present()
 
 void PictureLoop::takePicture()
 {
+    m_isStale = m_isStale || m_presenter->isBehind();
     m_isOffered = (mpv_render_context_update(m_context.get()) & MPV_RENDER_UPDATE_FRAME) != 0;
     // A picture comes ahead of its time; the one before it is shown first.
     const bool isFree = m_presenter->hasTargets() && !m_due;

@@ -21,10 +21,11 @@ public:
     const char* hardwareDecoding() const override { return CpuDrawing::hardwareDecoding; }
     int descriptor() const override;
     void beginWait() override { processEvents(); }
-    void endWait() override { processEvents(); }
+    void endWait(bool /*isReadable*/) override { processEvents(); }
     void setTargets(const std::vector<FrameTarget>& targets) override;
     bool hasTargets() const override { return !m_targets.empty(); }
     bool isReady() const override { return m_unconfirmedPictures == 0; }
+    bool isBehind() const override { return false; }
     void draw(mpv_render_context& context) override;
     void clear() override;
     void present() override;

@@ -1,0 +1,213 @@
+#include "platform/linux/display/wayland/WaylandConnection.h"
+
+#include <QAbstractEventDispatcher>
+#include <QDeadlineTimer>
+
+#include <algorithm>
+#include <chrono>
+#include <poll.h>
+#include <string_view>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// For a compositor that accepts a connection and does not answer.
+constexpr auto patience = 1s;
+
+template <typename Type>
+void bindTo(WaylandHandle<Type>& handle,
+    wl_registry* registry,
+    std::uint32_t name,
+    const wl_interface& interface,
+    std::uint32_t version)
+{
+    handle.reset(static_cast<Type*>(wl_registry_bind(registry, name, &interface, version)));
+}
+
+bool isReadable(int descriptor, int milliseconds)
+{
+    pollfd one{descriptor, POLLIN, 0};
+    return poll(&one, 1, milliseconds) > 0;
+}
+
+/// Without the variable libwayland would take another session's compositor.
+WaylandHandle<wl_display> connectToCompositor()
+{
+    return WaylandHandle<wl_display>(
+        qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? nullptr : wl_display_connect(nullptr));
+}
+
+} // namespace
+
+const wl_registry_listener WaylandConnection::registryListener{
+    [](void* self,
+        wl_registry* /*registry*/,
+        std::uint32_t name,
+        const char* interface,
+        std::uint32_t version) {
+        static_cast<WaylandConnection*>(self)->bind(name, interface, version);
+    },
+    [](void* self, wl_registry* /*registry*/, std::uint32_t name) {
+        static_cast<WaylandConnection*>(self)->remove(name);
+    },
+};
+
+WaylandConnection::Attempt WaylandConnection::open()
+{
+    auto display = connectToCompositor();
+    if (!display)
+        return {Outcome::NoCompositor, nullptr};
+    auto connection = std::make_unique<WaylandConnection>(std::move(display));
+    const auto outcome = connection->askWhatThereIs();
+    if (outcome != Outcome::Connected)
+        return {outcome, nullptr};
+    connection->startReading();
+    return {outcome, std::move(connection)};
+}
+
+bool WaylandConnection::isThere()
+{
+    return connectToCompositor() != nullptr;
+}
+
+WaylandConnection::WaylandConnection(WaylandHandle<wl_display> display)
+    : m_display(std::move(display)),
+      m_notifier(wl_display_get_fd(m_display.get()), QSocketNotifier::Read)
+{
+    m_notifier.setEnabled(false);
+}
+
+WaylandConnection::~WaylandConnection()
+{
+    m_notifier.setEnabled(false); // before the descriptor is closed
+}
+
+WaylandConnection::Outcome WaylandConnection::askWhatThereIs()
+{
+    m_registry.reset(wl_display_get_registry(m_display.get()));
+    wl_registry_add_listener(m_registry.get(), &registryListener, this);
+    // The first answer is what there is, the second one what it is like.
+    if (!waitForAnswer() || !waitForAnswer())
+        return Outcome::NoCompositor;
+    const bool isUsable = m_compositor && m_shm && m_layerShell;
+    return isUsable ? Outcome::Connected : Outcome::NoLayerShell;
+}
+
+/// A round trip that does not wait for ever.
+bool WaylandConnection::waitForAnswer()
+{
+    bool isAnswered = false;
+    static constexpr wl_callback_listener listener{
+        [](void* answered, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
+            *static_cast<bool*>(answered) = true;
+        },
+    };
+    const WaylandHandle<wl_callback> callback(wl_display_sync(m_display.get()));
+    wl_callback_add_listener(callback.get(), &listener, &isAnswered);
+    const QDeadlineTimer deadline(patience);
+    while (!isAnswered) {
+        while (wl_display_prepare_read(m_display.get()) != 0) {
+            if (wl_display_dispatch_pending(m_display.get()) < 0)
+                return false;
+        }
+        wl_display_flush(m_display.get());
+        const auto left = static_cast<int>(deadline.remainingTime());
+        if (left <= 0 || !isReadable(wl_display_get_fd(m_display.get()), left)) {
+            wl_display_cancel_read(m_display.get());
+            return false;
+        }
+        if (wl_display_read_events(m_display.get()) < 0 ||
+            wl_display_dispatch_pending(m_display.get()) < 0)
+            return false;
+    }
+    return true;
+}
+
+void WaylandConnection::bind(std::uint32_t name, const char* interface, std::uint32_t version)
+{
+    const std::string_view offered = interface;
+    auto* const registry = m_registry.get();
+    const auto take = [&](auto& handle, const wl_interface& known, std::uint32_t newest) {
+        if (offered == known.name)
+            bindTo(handle, registry, name, known, std::min(version, newest));
+    };
+    take(m_compositor, wl_compositor_interface, 4);
+    take(m_shm, wl_shm_interface, 1);
+    take(m_layerShell, zwlr_layer_shell_v1_interface, 4);
+    take(m_viewporter, wp_viewporter_interface, 1);
+    take(m_fractions, wp_fractional_scale_manager_v1_interface, 1);
+    take(m_logicalOutputs, zxdg_output_manager_v1_interface, 3);
+    if (offered == wl_seat_interface.name)
+        take(m_seats.emplace_back(), wl_seat_interface, 5);
+    if (offered == wl_output_interface.name) {
+        WaylandHandle<wl_output> output;
+        take(output, wl_output_interface, 4);
+        m_outputs.push_back(std::make_unique<WaylandOutput>(
+            std::move(output), name, m_logicalOutputs.get(), [this] { Q_EMIT outputsChanged(); }));
+    }
+}
+
+void WaylandConnection::remove(std::uint32_t name)
+{
+    const auto count = std::erase_if(
+        m_outputs, [name](const auto& output) { return output->globalName() == name; });
+    if (count > 0)
+        Q_EMIT outputsChanged();
+}
+
+void WaylandConnection::startReading()
+{
+    connect(&m_notifier, &QSocketNotifier::activated, this, &WaylandConnection::read);
+    m_notifier.setEnabled(true);
+    followDispatcher();
+}
+
+void WaylandConnection::followDispatcher()
+{
+    // The render thread may have read events of ours into our queue.
+    connect(QAbstractEventDispatcher::instance(),
+        &QAbstractEventDispatcher::aboutToBlock,
+        this,
+        &WaylandConnection::dispatch);
+}
+
+void WaylandConnection::read()
+{
+    while (wl_display_prepare_read(m_display.get()) != 0) {
+        if (wl_display_dispatch_pending(m_display.get()) < 0) {
+            checkForLoss();
+            return;
+        }
+    }
+    // The render thread may have been faster; whoever reads waits for all that are about to.
+    if (isReadable(wl_display_get_fd(m_display.get()), 0))
+        wl_display_read_events(m_display.get());
+    else
+        wl_display_cancel_read(m_display.get());
+    dispatch();
+}
+
+void WaylandConnection::dispatch()
+{
+    if (m_isLost)
+        return;
+    wl_display_dispatch_pending(m_display.get());
+    flush();
+}
+
+void WaylandConnection::flush()
+{
+    wl_display_flush(m_display.get());
+    checkForLoss();
+}
+
+void WaylandConnection::checkForLoss()
+{
+    if (wl_display_get_error(m_display.get()) == 0 || std::exchange(m_isLost, true))
+        return;
+    m_notifier.setEnabled(false);
+    // Not at once: whoever asked us to flush may be in the middle of something.
+    QMetaObject::invokeMethod(this, &WaylandConnection::lost, Qt::QueuedConnection);
+}

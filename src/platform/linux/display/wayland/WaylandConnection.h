@@ -1,0 +1,80 @@
+#pragma once
+
+#include "platform/linux/display/wayland/WaylandHandles.h"
+#include "platform/linux/display/wayland/WaylandOutput.h"
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <memory>
+#include <vector>
+
+/// The connection to a compositor, apart from Qt's, with what the compositor offers. The main
+/// thread's events are those of the default queue; others have queues of their own.
+class WaylandConnection : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Outcome { Connected, NoCompositor, NoLayerShell };
+    struct Attempt {
+        Outcome outcome;
+        std::unique_ptr<WaylandConnection> connection; ///< null unless connected
+    };
+    /// The compositor that WAYLAND_DISPLAY names. Waits until it has said what it offers, but not
+    /// for one that does not answer. Needs an application object.
+    static Attempt open();
+
+    /// Whether WAYLAND_DISPLAY names one. May be asked before there is an application object.
+    static bool isThere();
+
+    explicit WaylandConnection(WaylandHandle<wl_display> display);
+    ~WaylandConnection() override;
+
+    wl_display* display() const { return m_display.get(); }
+    wl_compositor* compositor() const { return m_compositor.get(); }
+    wl_shm* shm() const { return m_shm.get(); }
+    zwlr_layer_shell_v1* layerShell() const { return m_layerShell.get(); }
+    wp_viewporter* viewporter() const { return m_viewporter.get(); } ///< or null
+    wp_fractional_scale_manager_v1* fractionalScales() const
+    {
+        return m_fractions.get();
+    } ///< or null
+    /// In the order in which the compositor told of them.
+    const std::vector<std::unique_ptr<WaylandOutput>>& outputs() const { return m_outputs; }
+    const std::vector<WaylandHandle<wl_seat>>& seats() const { return m_seats; }
+
+    void followDispatcher();
+    /// Sends what has been asked for so far.
+    void flush();
+
+Q_SIGNALS:
+    /// An output came, went, or is another now.
+    void outputsChanged();
+    /// The compositor has gone, or does not want us any more.
+    void lost();
+
+private:
+    static const wl_registry_listener registryListener;
+
+    Outcome askWhatThereIs();
+    bool waitForAnswer();
+    void bind(std::uint32_t name, const char* interface, std::uint32_t version);
+    void remove(std::uint32_t name);
+    void startReading();
+    void read();
+    void dispatch();
+    void checkForLoss();
+
+    WaylandHandle<wl_display> m_display;
+    WaylandHandle<wl_registry> m_registry;
+    WaylandHandle<wl_compositor> m_compositor;
+    WaylandHandle<wl_shm> m_shm;
+    WaylandHandle<zwlr_layer_shell_v1> m_layerShell;
+    WaylandHandle<wp_viewporter> m_viewporter;
+    WaylandHandle<wp_fractional_scale_manager_v1> m_fractions;
+    WaylandHandle<zxdg_output_manager_v1> m_logicalOutputs;
+    std::vector<WaylandHandle<wl_seat>> m_seats;
+    std::vector<std::unique_ptr<WaylandOutput>> m_outputs;
+    QSocketNotifier m_notifier;
+    bool m_isLost = false;
+};
