@@ -1,5 +1,6 @@
 #include "desktop/VirtualDesktop.h"
 
+#include "desktop/SwayDesktop.h"
 #include "desktop/X11Desktop.h"
 #include "support/ChildProcess.h"
 
@@ -9,6 +10,8 @@ using namespace Qt::StringLiterals;
 
 std::unique_ptr<VirtualDesktop> VirtualDesktop::create()
 {
+    if (qEnvironmentVariable("TAVELOR_TEST_DESKTOP") == u"sway")
+        return std::make_unique<SwayDesktop>();
     auto desktop = std::make_unique<X11Desktop>();
     desktop->startWindowManager();
     return desktop;

@@ -200,6 +200,14 @@ void X11Desktop::requestClose() const
         ask(window, "_NET_CLOSE_WINDOW", XCB_CURRENT_TIME);
 }
 
+void X11Desktop::requestToCloseTopmost() const
+{
+    const auto tree =
+        own(xcb_query_tree_reply(connection(), xcb_query_tree(connection(), root()), nullptr));
+    const auto window = xcb_query_tree_children(tree.get())[tree->children_len - 1];
+    send(window, XCB_EVENT_MASK_NO_EVENT, window, "WM_PROTOCOLS", atom("WM_DELETE_WINDOW"));
+}
+
 QStringList X11Desktop::windowTitles() const
 {
     QStringList titles;
@@ -235,15 +243,22 @@ xcb_atom_t X11Desktop::atom(const char* name) const
 
 void X11Desktop::ask(xcb_window_t window, const char* what, std::uint32_t value) const
 {
+    constexpr auto mask = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    send(root(), mask, window, what, value);
+}
+
+void X11Desktop::send(xcb_window_t receiver,
+    std::uint32_t mask,
+    xcb_window_t window,
+    const char* what,
+    std::uint32_t value) const
+{
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = window;
     message.type = atom(what);
     message.data.data32[0] = value;
-    constexpr auto masks =
-        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    const auto* bytes = reinterpret_cast<const char*>(&message);
-    xcb_send_event(connection(), 0, root(), masks, bytes);
+    xcb_send_event(connection(), 0, receiver, mask, reinterpret_cast<const char*>(&message));
     xcb_flush(connection());
 }

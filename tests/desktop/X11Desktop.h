@@ -18,6 +18,8 @@ public:
     QString display() const { return m_display; }
     xcb_connection_t* connection() const { return m_connection.get(); }
     xcb_window_t root() const { return m_screen->root; }
+    /// Makes it where the server has none of that name.
+    xcb_atom_t atom(const char* name) const;
 
     /// Returns when it manages windows.
     void startWindowManager();
@@ -42,6 +44,8 @@ public:
     xcb_window_t openWindow(
         WindowKind kind, const QColor& colour, const QRect& frame = {100, 100, 300, 300}) const;
     void closeWindow(xcb_window_t window) const;
+    /// Asks the program of the topmost window to close it. Only without a window manager.
+    void requestToCloseTopmost() const;
     void moveWindow(xcb_window_t window, const QPoint& position) const;
 
     /// What pagers and the windows' programs ask of the window manager.
@@ -61,10 +65,15 @@ private:
     void nameDisplay(QProcessEnvironment& environment) const override;
     std::optional<QColor> pixel(const QPoint& point) const override;
     QColor bareColour() const override;
+    /// The window manager.
     void ask(xcb_window_t window, const char* what, std::uint32_t value) const;
+    void send(xcb_window_t receiver,
+        std::uint32_t mask,
+        xcb_window_t window,
+        const char* what,
+        std::uint32_t value) const;
     std::vector<xcb_window_t> managedWindows() const;
     QByteArray property(xcb_window_t window, const char* name) const;
-    xcb_atom_t atom(const char* name) const;
 
     QProcess m_server;
     QProcess m_windowManager;
