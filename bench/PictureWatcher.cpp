@@ -11,7 +11,7 @@ constexpr int smallestArea = 640 * 360;
 
 }
 
-PictureWatcher::PictureWatcher(const VirtualDesktop& desktop)
+PictureWatcher::PictureWatcher(const X11Desktop& desktop)
     : m_connection(desktop.connection()), m_damage(xcb_generate_id(m_connection))
 {
     const auto* extension = xcb_get_extension_data(m_connection, &xcb_damage_id);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/VirtualDesktop.h"
+#include "desktop/X11Desktop.h"
 
 #include <QElapsedTimer>
 #include <QRect>
@@ -17,7 +17,7 @@ public:
         QRect area;
     };
 
-    explicit PictureWatcher(const VirtualDesktop& desktop);
+    explicit PictureWatcher(const X11Desktop& desktop);
     ~PictureWatcher();
     PictureWatcher(const PictureWatcher&) = delete;
     PictureWatcher& operator=(const PictureWatcher&) = delete;

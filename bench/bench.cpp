@@ -3,6 +3,7 @@
 #include "ServiceBench.h"
 
 #include "desktop/HelperProcess.h"
+#include "desktop/X11Desktop.h"
 #include "platform/Recording.h"
 #include "player/VideoPlayerManager.h"
 #include "support/TestVideos.h"
@@ -91,7 +92,7 @@ double measureIdle(HelperProcess& helper)
 
 void benchPlaying(const QString& source, double decode)
 {
-    VirtualDesktop desktop({1920, 1080});
+    X11Desktop desktop({1920, 1080});
     desktop.startWindowManager();
     HelperProcess helper(desktop);
     QFile::copy(source, helper.videoFile(clip));
@@ -131,9 +132,9 @@ void benchPlaying(const QString& source, double decode)
 
 void benchMirrored(const QString& source, double decode)
 {
-    VirtualDesktop desktop({3840, 1080});
+    X11Desktop desktop({3840, 1080});
     desktop.startWindowManager();
-    desktop.setMonitors(VirtualDesktop::Monitors::TwoHalves);
+    desktop.setMonitors(X11Desktop::Monitors::TwoHalves);
     HelperProcess helper(desktop);
     QFile::copy(source, helper.videoFile(clip));
     helper.addRow(clip, helper.videoFile(clip));
@@ -163,7 +164,7 @@ void benchMirrored(const QString& source, double decode)
 
 void benchSeam()
 {
-    VirtualDesktop desktop({1920, 1080});
+    X11Desktop desktop({1920, 1080});
     desktop.startWindowManager();
     HelperProcess helper(desktop);
     helper.addVideo(clip, QStringLiteral("red"), 2);
@@ -186,7 +187,7 @@ void benchSeam()
 
 void benchChange()
 {
-    VirtualDesktop desktop;
+    X11Desktop desktop;
     desktop.startWindowManager();
     HelperProcess helper(desktop);
     helper.addVideo(QStringLiteral("r"), QStringLiteral("red"));

@@ -28,6 +28,7 @@ public:
     /// True if it is gone by itself or by now.
     bool waitForEnd(int milliseconds = 5000);
     QProcess& process() { return m_process; }
+    const QProcess& process() const { return m_process; }
     /// What it and its threads have used so far.
     double processorSeconds() const;
     /// All lines that it has written to standard output so far.

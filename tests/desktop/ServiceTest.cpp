@@ -1,5 +1,5 @@
 #include "desktop/HelperProcess.h"
-#include "desktop/VirtualDesktop.h"
+#include "desktop/X11Desktop.h"
 #include "service/OpenSsl.h"
 #include "service/StandInService.h"
 
@@ -60,7 +60,7 @@ private Q_SLOTS:
     }
 
 private:
-    VirtualDesktop m_desktop;
+    X11Desktop m_desktop;
     QTemporaryDir m_certificates;
 };
 

@@ -1,9 +1,10 @@
 #include "desktop/HelperProcess.h"
+#include "desktop/X11Desktop.h"
 
 #include <QTest>
 
 using namespace Qt::StringLiterals;
-using WindowKind = VirtualDesktop::WindowKind;
+using WindowKind = X11Desktop::WindowKind;
 
 /// Where the wallpaper stands among other windows, under a window manager, without one, and when
 /// one comes or goes.
@@ -68,7 +69,7 @@ private Q_SLOTS:
         QCOMPARE(m_desktop->leftColour(), u"red"_s);
         QCOMPARE(m_helper->process().state(), QProcess::Running);
 
-        m_desktop->moveAndClick({600, 300}, 3);
+        m_desktop->click({600, 300}, 3);
         QTRY_VERIFY(m_desktop->colour({620, 330}) != u"red"); // the window manager's menu
         QVERIFY(!m_helper->lines().contains(u"mouse down"));
     }
@@ -110,7 +111,7 @@ private Q_SLOTS:
 private:
     void makeDesktop(bool isManaged, const QStringList& serverArguments = {})
     {
-        m_desktop = std::make_unique<VirtualDesktop>(QSize(1280, 720), serverArguments);
+        m_desktop = std::make_unique<X11Desktop>(QSize(1280, 720), serverArguments);
         if (isManaged)
             m_desktop->startWindowManager();
         m_helper = std::make_unique<HelperProcess>(*m_desktop);
@@ -123,7 +124,7 @@ private:
     }
     QString colours() const { return m_desktop->leftColour() + u' ' + m_desktop->rightColour(); }
 
-    std::unique_ptr<VirtualDesktop> m_desktop;
+    std::unique_ptr<X11Desktop> m_desktop;
     std::unique_ptr<HelperProcess> m_helper;
 };
 

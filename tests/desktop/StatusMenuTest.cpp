@@ -1,5 +1,6 @@
 #include "desktop/HelperProcess.h"
 #include "desktop/StatusNotifierHost.h"
+#include "desktop/X11Desktop.h"
 #include "service/OpenSsl.h"
 #include "service/StandInService.h"
 
@@ -15,7 +16,7 @@ class StatusMenuTest : public QObject {
 private Q_SLOTS:
     void init()
     {
-        m_desktop = std::make_unique<VirtualDesktop>();
+        m_desktop = std::make_unique<X11Desktop>();
         m_desktop->startWindowManager();
         m_host = std::make_unique<StatusNotifierHost>(m_desktop->busAddress());
         m_helper = std::make_unique<HelperProcess>(*m_desktop);
@@ -42,13 +43,13 @@ private Q_SLOTS:
             QList<QStringList>({{u"Control"_s, u"Q"_s}}));
         QCOMPARE(m_host->entry(u"Mute"_s)["toggle-type"], u"checkmark"_s);
 
-        m_desktop->setMonitors(VirtualDesktop::Monitors::TwoHalves);
+        m_desktop->setMonitors(X11Desktop::Monitors::TwoHalves);
         QTRY_COMPARE(m_host->entry(u"Screen/Single"_s).children.size(), 2);
         QCOMPARE(m_host->entry(u"Screen/Mirror"_s)["toggle-type"], u"radio"_s);
         QCOMPARE(m_host->entry(u"Screen/Single/2"_s)["toggle-type"], u"radio"_s);
 
         const auto older = m_host->entry(u"Screen/Single/2"_s).id;
-        m_desktop->setMonitors(VirtualDesktop::Monitors::One);
+        m_desktop->setMonitors(X11Desktop::Monitors::One);
         QTRY_COMPARE(m_host->entry({}).children.size(), 10);
         m_host->click(older); // which does nothing any more
         m_host->click(u"Mute"_s);
@@ -58,7 +59,7 @@ private Q_SLOTS:
 
     void clicks_reachPlayerAndSettings()
     {
-        m_desktop->setMonitors(VirtualDesktop::Monitors::TwoHalves);
+        m_desktop->setMonitors(X11Desktop::Monitors::TwoHalves);
         start();
         QTRY_COMPARE(m_desktop->leftColour(), u"red"_s);
 
@@ -134,7 +135,7 @@ private:
         return m_helper->home().suiteValue(QString::fromLatin1(key));
     }
 
-    std::unique_ptr<VirtualDesktop> m_desktop;
+    std::unique_ptr<X11Desktop> m_desktop;
     std::unique_ptr<StatusNotifierHost> m_host;
     std::unique_ptr<HelperProcess> m_helper;
 };

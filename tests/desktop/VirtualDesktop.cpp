@@ -1,20 +1,66 @@
 #include "desktop/VirtualDesktop.h"
 
+#include "desktop/SwayDesktop.h"
+#include "desktop/X11Desktop.h"
 #include "support/ChildProcess.h"
 
-#include <QTest>
-
-#include <xcb/shape.h>
-#include <xcb/xtest.h>
-
-#include <array>
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 
-namespace {
+std::unique_ptr<VirtualDesktop> VirtualDesktop::create()
+{
+    if (qEnvironmentVariable("TAVELOR_TEST_DESKTOP") == u"sway")
+        return std::make_unique<SwayDesktop>();
+    auto desktop = std::make_unique<X11Desktop>();
+    desktop->startWindowManager();
+    return desktop;
+}
 
-/// Returns the first line that it prints, when it is ready.
-QString start(QProcess& process, const QString& program, const QStringList& arguments)
+VirtualDesktop::VirtualDesktop(const QSize& size) : m_size(size)
+{
+    m_busAddress =
+        start(m_bus, u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
+}
+
+VirtualDesktop::~VirtualDesktop()
+{
+    stop(m_bus);
+}
+
+QProcessEnvironment VirtualDesktop::environment() const
+{
+    auto environment = QProcessEnvironment::systemEnvironment();
+    for (const auto& name : {u"QT_QPA_PLATFORM"_s, u"DISPLAY"_s, u"WAYLAND_DISPLAY"_s})
+        environment.remove(name);
+    nameDisplay(environment);
+    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_busAddress);
+    return environment;
+}
+
+void VirtualDesktop::stopBus()
+{
+    stop(m_bus);
+}
+
+QString VirtualDesktop::colour(const QPoint& point) const
+{
+    const auto seen = pixel(point);
+    if (!seen || *seen == bareColour())
+        return u"bare"_s;
+    // Within what YUV and its standards make of a pure colour.
+    const auto pure = [](int value) { return value <= 40 ? 0 : value >= 215 ? 255 : value; };
+    const QColor named{pure(seen->red()), pure(seen->green()), pure(seen->blue())};
+    for (const auto* name :
+        {"red", "lime", "blue", "yellow", "magenta", "cyan", "white", "black"}) {
+        if (named == QColor{QLatin1String(name)})
+            return QLatin1String(name);
+    }
+    return seen->name();
+}
+
+QString VirtualDesktop::start(
+    QProcess& process, const QString& program, const QStringList& arguments)
 {
     ChildProcess::endWithThisProcess(process, SIGTERM); // it tidies up then
     process.start(program, arguments);
@@ -27,251 +73,11 @@ QString start(QProcess& process, const QString& program, const QStringList& argu
     return QString::fromLatin1(line.trimmed());
 }
 
-void stop(QProcess& process)
+void VirtualDesktop::stop(QProcess& process)
 {
     process.terminate();
     if (!process.waitForFinished(5000)) {
         process.kill();
         process.waitForFinished();
     }
-}
-
-/// As the protocol counts pixels.
-std::uint16_t word(int number)
-{
-    return static_cast<std::uint16_t>(number);
-}
-
-xcb_visualid_t visualWithAlpha(const xcb_screen_t& screen)
-{
-    auto depth = xcb_screen_allowed_depths_iterator(&screen);
-    while (depth.rem > 1 && depth.data->depth != 32)
-        xcb_depth_next(&depth);
-    return xcb_depth_visuals(depth.data)->visual_id;
-}
-
-} // namespace
-
-VirtualDesktop::VirtualDesktop(const QSize& size, const QStringList& serverArguments) : m_size(size)
-{
-    // The server takes a free display by itself and writes its number to its standard output.
-    const auto arguments = u"-displayfd 1 -nolisten tcp -noreset -screen 0 %1x%2x24"_s;
-    m_display =
-        u':' + start(m_server,
-                   u"Xvfb"_s,
-                   arguments.arg(size.width()).arg(size.height()).split(u' ') + serverArguments);
-    m_connection.reset(xcb_connect(m_display.toLatin1().constData(), nullptr));
-    m_screen = xcb_setup_roots_iterator(xcb_get_setup(connection())).data;
-    m_busAddress =
-        start(m_bus, u"dbus-daemon"_s, {u"--session"_s, u"--nofork"_s, u"--print-address=1"_s});
-}
-
-VirtualDesktop::~VirtualDesktop()
-{
-    m_connection.reset();
-    for (auto* process : {&m_windowManager, &m_server, &m_bus})
-        stop(*process);
-}
-
-QProcessEnvironment VirtualDesktop::environment() const
-{
-    auto environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(u"QT_QPA_PLATFORM"_s);
-    environment.remove(u"WAYLAND_DISPLAY"_s);
-    environment.insert(u"DISPLAY"_s, m_display);
-    environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, m_busAddress);
-    return environment;
-}
-
-void VirtualDesktop::startWindowManager()
-{
-    // The last thing that openbox publishes when it starts.
-    constexpr auto last = "_NET_SUPPORTED";
-    xcb_delete_property(connection(), root(), atom(last));
-    m_windowManager.setProcessEnvironment(environment());
-    ChildProcess::endWithThisProcess(m_windowManager);
-    m_windowManager.start(u"openbox"_s, {});
-    if (!QTest::qWaitFor([this] { return !property(root(), last).isEmpty(); }, 20'000))
-        qFatal("openbox does not start.");
-}
-
-void VirtualDesktop::killWindowManager()
-{
-    m_windowManager.kill();
-    m_windowManager.waitForFinished();
-}
-
-void VirtualDesktop::stopBus()
-{
-    stop(m_bus);
-}
-
-void VirtualDesktop::setMonitors(Monitors monitors) const
-{
-    const auto xrandr = [this](const QString& command) {
-        QProcess process;
-        process.startCommand(u"xrandr -d %1 "_s.arg(m_display) + command);
-        process.waitForFinished();
-    };
-    const auto half = u" %1/250x%2/280+"_s.arg(m_size.width() / 2).arg(m_size.height());
-    if (monitors != Monitors::TwoHalves)
-        xrandr(u"--delmonitor RIGHT"_s);
-    // The first monitor owns the server's one output; the other has none.
-    if (monitors == Monitors::One)
-        xrandr(u"--delmonitor LEFT"_s);
-    else
-        xrandr(u"--setmonitor LEFT"_s + half + u"0+0 screen"_s);
-    if (monitors == Monitors::TwoHalves)
-        xrandr(u"--setmonitor RIGHT"_s + half + u"%1+0 none"_s.arg(m_size.width() / 2));
-}
-
-QString VirtualDesktop::colour(const QPoint& point) const
-{
-    const auto cookie = xcb_get_image(connection(),
-        XCB_IMAGE_FORMAT_Z_PIXMAP,
-        root(),
-        word(point.x()),
-        word(point.y()),
-        1,
-        1,
-        ~0U);
-    const auto image = own(xcb_get_image_reply(connection(), cookie, nullptr));
-    if (!image)
-        return {};
-    const auto* bytes = xcb_get_image_data(image.get());
-    // Within what YUV and its standards make of a pure colour.
-    const auto pure = [](int value) { return value <= 40 ? 0 : value >= 215 ? 255 : value; };
-    const QColor seen{pure(bytes[2]), pure(bytes[1]), pure(bytes[0])};
-    for (const auto* name :
-        {"red", "lime", "blue", "yellow", "magenta", "cyan", "white", "black"}) {
-        if (seen == QColor{QLatin1String(name)})
-            return QLatin1String(name);
-    }
-    return seen.name();
-}
-
-void VirtualDesktop::moveAndClick(const QPoint& point, std::uint8_t button) const
-{
-    const auto fake = [&](std::uint8_t type, std::uint8_t detail) {
-        xcb_test_fake_input(
-            connection(), type, detail, 0, root(), word(point.x()), word(point.y()), 0);
-    };
-    fake(XCB_MOTION_NOTIFY, 0);
-    fake(XCB_BUTTON_PRESS, button);
-    fake(XCB_BUTTON_RELEASE, button);
-    xcb_flush(connection());
-}
-
-xcb_window_t VirtualDesktop::openWindow(
-    WindowKind kind, const QColor& colour, const QRect& frame) const
-{
-    auto* const x11 = connection();
-    const bool hasAlpha = kind == WindowKind::WithAlpha || kind == WindowKind::WithOpaqueRegion;
-    const auto visual = hasAlpha ? visualWithAlpha(*m_screen) : m_screen->root_visual;
-    const std::uint8_t depth = hasAlpha ? 32 : m_screen->root_depth;
-    const auto colormap = xcb_generate_id(x11);
-    xcb_create_colormap(x11, XCB_COLORMAP_ALLOC_NONE, colormap, root(), visual);
-
-    const auto window = xcb_generate_id(x11);
-    const auto width = word(frame.width());
-    const auto height = word(frame.height());
-    constexpr auto given = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_COLORMAP;
-    const std::array<std::uint32_t, 3> values{colour.rgb() & 0xffffff, 0, colormap};
-    xcb_create_window(
-        x11, depth, window, root(), 0, 0, width, height, 0, 0, visual, given, values.data());
-    moveWindow(window, frame.topLeft());
-
-    const auto set = [&](const char* name, xcb_atom_t type, std::vector<std::uint32_t> contents) {
-        const auto count = static_cast<std::uint32_t>(contents.size());
-        xcb_change_property(
-            x11, XCB_PROP_MODE_REPLACE, window, atom(name), type, 32, count, contents.data());
-    };
-    set("_NET_WM_WINDOW_TYPE",
-        XCB_ATOM_ATOM,
-        {atom(kind == WindowKind::Desktop ? "_NET_WM_WINDOW_TYPE_DESKTOP"
-                                          : "_NET_WM_WINDOW_TYPE_NORMAL")});
-    if (kind == WindowKind::WithOpaqueRegion)
-        set("_NET_WM_OPAQUE_REGION", XCB_ATOM_CARDINAL, {0, 0, width, height});
-    if (kind == WindowKind::Faded)
-        set("_NET_WM_WINDOW_OPACITY", XCB_ATOM_CARDINAL, {0x80000000});
-    if (kind == WindowKind::Shaped) {
-        const xcb_rectangle_t upperHalf{0, 0, width, word(height / 2)};
-        xcb_shape_rectangles(
-            x11, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, 0, window, 0, 0, 1, &upperHalf);
-    }
-    // "The user wants it here": window managers place the others as they like.
-    std::vector<std::uint32_t> hints(18);
-    hints.front() = 1;
-    set("WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS, hints);
-    xcb_map_window(x11, window);
-    xcb_flush(x11);
-    return window;
-}
-
-void VirtualDesktop::moveWindow(xcb_window_t window, const QPoint& position) const
-{
-    const std::array values{position.x(), position.y()};
-    xcb_configure_window(
-        connection(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values.data());
-    xcb_flush(connection());
-}
-
-void VirtualDesktop::closeWindow(xcb_window_t window) const
-{
-    xcb_destroy_window(connection(), window);
-    xcb_flush(connection());
-}
-
-void VirtualDesktop::requestClose() const
-{
-    for (const auto window : managedWindows())
-        ask(window, "_NET_CLOSE_WINDOW", XCB_CURRENT_TIME);
-}
-
-QStringList VirtualDesktop::windowTitles() const
-{
-    QStringList titles;
-    for (const auto window : managedWindows())
-        titles << QString::fromUtf8(property(window, "_NET_WM_NAME"));
-    return titles;
-}
-
-std::vector<xcb_window_t> VirtualDesktop::managedWindows() const
-{
-    const auto list = property(root(), "_NET_CLIENT_LIST");
-    const auto* windows = reinterpret_cast<const xcb_window_t*>(list.constData());
-    return {windows, windows + list.size() / 4};
-}
-
-QByteArray VirtualDesktop::property(xcb_window_t window, const char* name) const
-{
-    const auto cookie =
-        xcb_get_property(connection(), 0, window, atom(name), XCB_ATOM_ANY, 0, 1000);
-    const auto reply = own(xcb_get_property_reply(connection(), cookie, nullptr));
-    if (!reply)
-        return {};
-    return {static_cast<char*>(xcb_get_property_value(reply.get())),
-        xcb_get_property_value_length(reply.get())};
-}
-
-xcb_atom_t VirtualDesktop::atom(const char* name) const
-{
-    const auto cookie =
-        xcb_intern_atom(connection(), 0, word(static_cast<int>(qstrlen(name))), name);
-    return own(xcb_intern_atom_reply(connection(), cookie, nullptr))->atom;
-}
-
-void VirtualDesktop::ask(xcb_window_t window, const char* what, std::uint32_t value) const
-{
-    xcb_client_message_event_t message{};
-    message.response_type = XCB_CLIENT_MESSAGE;
-    message.format = 32;
-    message.window = window;
-    message.type = atom(what);
-    message.data.data32[0] = value;
-    constexpr auto masks =
-        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    const auto* bytes = reinterpret_cast<const char*>(&message);
-    xcb_send_event(connection(), 0, root(), masks, bytes);
-    xcb_flush(connection());
 }

@@ -1,90 +1,70 @@
 #pragma once
 
-#include "platform/linux/display/x11/X11Handles.h"
-
 #include <QColor>
 #include <QPoint>
 #include <QProcess>
-#include <QRect>
 #include <QSize>
+#include <QString>
 
-#include <vector>
+#include <memory>
+#include <optional>
 
-/// An X server without a screen and a session bus of its own. What it shows is read
-/// from the root window, as a person would see it.
+/// A desktop without a screen, with a session bus of its own. What it shows is read from its
+/// pictures, as a person would see it.
+///
+/// Points and rectangles are in the units of the display server: pixels on X11, logical ones on
+/// Wayland, where an output of scale 2 shows each of them with four pixels.
 class VirtualDesktop {
 public:
-    /// `serverArguments` go to the server as they are.
-    explicit VirtualDesktop(
-        const QSize& size = {1280, 720}, const QStringList& serverArguments = {});
-    ~VirtualDesktop();
+    /// The kind that TAVELOR_TEST_DESKTOP names: "sway", or else X11 with a window manager. Windows
+    /// can be shown on it at once.
+    static std::unique_ptr<VirtualDesktop> create();
+
+    virtual ~VirtualDesktop();
     VirtualDesktop(const VirtualDesktop&) = delete;
     VirtualDesktop& operator=(const VirtualDesktop&) = delete;
 
     /// For processes that shall run on this desktop.
     QProcessEnvironment environment() const;
-    QString display() const { return m_display; }
     QString busAddress() const { return m_busAddress; }
-    xcb_connection_t* connection() const { return m_connection.get(); }
-    xcb_window_t root() const { return m_screen->root; }
-
-    /// Returns when it manages windows.
-    void startWindowManager();
-    /// Kills it, so that it cannot tidy up.
-    void killWindowManager();
-
     void stopBus();
 
-    /// The whole screen as one monitor; a left one only, or a left and a right one.
+    /// The whole desktop as one monitor; a left one only, or a left and a right one.
     enum class Monitors { One, LeftHalf, TwoHalves };
-    void setMonitors(Monitors monitors) const;
+    virtual void setMonitors(Monitors monitors) = 0;
 
-    /// "red" for anything near pure red, and so on; "#rrggbb" for what is no such colour.
+    /// "red" for anything near pure red, and so on; "bare" where there is no window or no monitor;
+    /// "#rrggbb" for what is no such colour.
     QString colour(const QPoint& point) const;
     QString leftColour() const { return colour({200, 200}); }
     QString rightColour() const { return colour({m_size.width() - 200, 200}); }
 
-    void moveAndClick(const QPoint& point, std::uint8_t button = 1) const;
+    /// With the primary button.
+    virtual void click(const QPoint& point) = 0;
 
-    /// A window of another program, of one colour, at the left unless told otherwise.
-    enum class WindowKind {
-        Ordinary,
-        Desktop,          ///< of that type
-        WithAlpha,        ///< each pixel has an opacity
-        WithOpaqueRegion, ///< the same, and says that all of it is opaque
-        Faded,            ///< to be shown half transparent by a compositor
-        Shaped,           ///< lacks its lower half
-    };
-    xcb_window_t openWindow(
-        WindowKind kind, const QColor& colour, const QRect& frame = {100, 100, 300, 300}) const;
-    void closeWindow(xcb_window_t window) const;
-    void moveWindow(xcb_window_t window, const QPoint& position) const;
+    /// Shows another program's window, of one colour, over the place of leftColour().
+    virtual void cover(const QColor& colour) = 0;
+    virtual void uncover() = 0;
 
-    /// What pagers and the windows' programs ask of the window manager.
-    void iconify(xcb_window_t window) const { ask(window, "WM_CHANGE_STATE", 3); }
-    void sendToDesktop(xcb_window_t window, std::uint32_t number) const
-    {
-        ask(window, "_NET_WM_DESKTOP", number);
-    }
-    void requestDesktop(std::uint32_t number) const { ask(root(), "_NET_CURRENT_DESKTOP", number); }
-    /// Of every window that is managed.
-    void requestClose() const;
+protected:
+    explicit VirtualDesktop(const QSize& size);
 
-    /// Of the managed windows, in the order in which they came.
-    QStringList windowTitles() const;
+    QSize size() const { return m_size; }
+
+    /// Starts it with the signal that it gets when this process has ended in any way, and returns
+    /// the first line that it prints, when it is ready.
+    static QString start(QProcess& process, const QString& program, const QStringList& arguments);
+    static void stop(QProcess& process);
 
 private:
-    void ask(xcb_window_t window, const char* what, std::uint32_t value) const;
-    std::vector<xcb_window_t> managedWindows() const;
-    QByteArray property(xcb_window_t window, const char* name) const;
-    xcb_atom_t atom(const char* name) const;
+    /// What names the display, into an environment that names none.
+    virtual void nameDisplay(QProcessEnvironment& environment) const = 0;
+    /// None where there is no monitor.
+    virtual std::optional<QColor> pixel(const QPoint& point) const = 0;
+    /// Of a desktop without windows; no colour that a window has.
+    virtual QColor bareColour() const = 0;
 
     QSize m_size;
-    QProcess m_server;
     QProcess m_bus;
-    QProcess m_windowManager;
-    QString m_display;
     QString m_busAddress;
-    X11ConnectionHandle m_connection;
-    const xcb_screen_t* m_screen;
 };

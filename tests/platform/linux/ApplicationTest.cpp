@@ -1,5 +1,5 @@
 #include "platform/Application.h"
-#include "desktop/VirtualDesktop.h"
+#include "desktop/X11Desktop.h"
 #include "platform/DesktopWindow.h"
 #include "platform/Workspace.h"
 
@@ -13,14 +13,14 @@
 #include <vector>
 
 using namespace Qt::StringLiterals;
-using WindowKind = VirtualDesktop::WindowKind;
+using WindowKind = X11Desktop::WindowKind;
 
 /// What the application tells on a desktop with two monitors and a window manager.
 class ApplicationTest : public QObject {
     Q_OBJECT
 
 public:
-    ApplicationTest(VirtualDesktop& desktop, Application& application)
+    ApplicationTest(X11Desktop& desktop, Application& application)
         : m_desktop(desktop), m_application(application)
     {
     }
@@ -28,7 +28,7 @@ public:
 private Q_SLOTS:
     void initTestCase()
     {
-        m_desktop.setMonitors(VirtualDesktop::Monitors::TwoHalves);
+        m_desktop.setMonitors(X11Desktop::Monitors::TwoHalves);
         QTRY_COMPARE(Screen::screens().size(), 2U);
         m_desktop.startWindowManager();
     }
@@ -114,7 +114,7 @@ private Q_SLOTS:
 
         m_wallpaper.clear();
         m_desktop.closeWindow(cover);
-        QTRY_COMPARE(m_desktop.leftColour(), u"black"_s);
+        QTRY_COMPARE(m_desktop.leftColour(), u"bare"_s);
         QVERIFY(!m_changes->wait(1000)); // longer than a change may take
 
         // What is shown anew begins as seen, so this is a change again.
@@ -190,7 +190,7 @@ private:
         }
     }
 
-    VirtualDesktop& m_desktop;
+    X11Desktop& m_desktop;
     Application& m_application;
     std::vector<std::unique_ptr<DesktopWindow>> m_wallpaper;
     std::vector<xcb_window_t> m_foreign; // of another program
@@ -199,7 +199,7 @@ private:
 
 int main(int argc, char** argv)
 {
-    static VirtualDesktop desktop; // static, to go after what uses it
+    static X11Desktop desktop; // static, to go after what uses it
     qputenv("DISPLAY", desktop.display().toUtf8());
     qputenv("DBUS_SESSION_BUS_ADDRESS", desktop.busAddress().toUtf8());
     qputenv("QT_QPA_PLATFORM", "xcb"); // the keyboard is X11's

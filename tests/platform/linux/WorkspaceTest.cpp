@@ -1,5 +1,5 @@
 #include "platform/Workspace.h"
-#include "desktop/VirtualDesktop.h"
+#include "desktop/X11Desktop.h"
 #include "platform/linux/BusDaemon.h"
 #include "platform/linux/workspace/GioHandles.h"
 #include "support/CapturedOutput.h"
@@ -46,7 +46,7 @@ class WorkspaceTest : public QObject {
     Q_OBJECT
 
 public:
-    explicit WorkspaceTest(VirtualDesktop& desktop) : m_desktop(desktop)
+    explicit WorkspaceTest(X11Desktop& desktop) : m_desktop(desktop)
     {
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", m_systemBus.address().toUtf8());
         // What proc(5) tells of it, from its state on.
@@ -198,13 +198,13 @@ private:
     bool isListening() const { return m_systemBus.isListenedTo(logindInterface); }
 
     TemporaryHome m_home;
-    VirtualDesktop& m_desktop;
+    X11Desktop& m_desktop;
     BusDaemon m_systemBus;
 };
 
 int main(int argc, char** argv)
 {
-    static VirtualDesktop desktop; // static, to go after what uses it
+    static X11Desktop desktop; // static, to go after what uses it
     qputenv("DISPLAY", desktop.display().toUtf8());
     qputenv("DBUS_SESSION_BUS_ADDRESS", desktop.busAddress().toUtf8());
     qputenv("QT_QPA_PLATFORM", "xcb");

@@ -1,0 +1,264 @@
+#include "desktop/X11Desktop.h"
+
+#include "support/ChildProcess.h"
+
+#include <QTest>
+
+#include <xcb/shape.h>
+#include <xcb/xtest.h>
+
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// Unlike a window's black.
+constexpr std::uint32_t bare = 0x3f3f3f;
+
+/// As the protocol counts pixels.
+std::uint16_t word(int number)
+{
+    return static_cast<std::uint16_t>(number);
+}
+
+xcb_visualid_t visualWithAlpha(const xcb_screen_t& screen)
+{
+    auto depth = xcb_screen_allowed_depths_iterator(&screen);
+    while (depth.rem > 1 && depth.data->depth != 32)
+        xcb_depth_next(&depth);
+    return xcb_depth_visuals(depth.data)->visual_id;
+}
+
+} // namespace
+
+X11Desktop::X11Desktop(const QSize& size, const QStringList& serverArguments) : VirtualDesktop(size)
+{
+    // The server takes a free display by itself and writes its number to its standard output.
+    const auto arguments = u"-displayfd 1 -nolisten tcp -noreset -screen 0 %1x%2x24"_s;
+    m_display =
+        u':' + start(m_server,
+                   u"Xvfb"_s,
+                   arguments.arg(size.width()).arg(size.height()).split(u' ') + serverArguments);
+    m_connection.reset(xcb_connect(m_display.toLatin1().constData(), nullptr));
+    m_screen = xcb_setup_roots_iterator(xcb_get_setup(connection())).data;
+    xcb_change_window_attributes(connection(), root(), XCB_CW_BACK_PIXEL, &bare);
+    xcb_clear_area(connection(), 0, root(), 0, 0, 0, 0);
+    xcb_flush(connection());
+}
+
+X11Desktop::~X11Desktop()
+{
+    m_connection.reset();
+    for (auto* process : {&m_windowManager, &m_server})
+        stop(*process);
+}
+
+void X11Desktop::nameDisplay(QProcessEnvironment& environment) const
+{
+    environment.insert(u"DISPLAY"_s, m_display);
+}
+
+void X11Desktop::startWindowManager()
+{
+    // The last thing that openbox publishes when it starts.
+    constexpr auto last = "_NET_SUPPORTED";
+    xcb_delete_property(connection(), root(), atom(last));
+    m_windowManager.setProcessEnvironment(environment());
+    ChildProcess::endWithThisProcess(m_windowManager);
+    m_windowManager.start(u"openbox"_s, {});
+    if (!QTest::qWaitFor([this] { return !property(root(), last).isEmpty(); }, 20'000))
+        qFatal("openbox does not start.");
+}
+
+void X11Desktop::killWindowManager()
+{
+    m_windowManager.kill();
+    m_windowManager.waitForFinished();
+}
+
+void X11Desktop::setMonitors(Monitors monitors)
+{
+    const auto xrandr = [this](const QString& command) {
+        QProcess process;
+        process.startCommand(u"xrandr -d %1 "_s.arg(m_display) + command);
+        process.waitForFinished();
+    };
+    const auto half = u" %1/250x%2/280+"_s.arg(size().width() / 2).arg(size().height());
+    if (monitors != Monitors::TwoHalves)
+        xrandr(u"--delmonitor RIGHT"_s);
+    // The first monitor owns the server's one output; the other has none.
+    if (monitors == Monitors::One)
+        xrandr(u"--delmonitor LEFT"_s);
+    else
+        xrandr(u"--setmonitor LEFT"_s + half + u"0+0 screen"_s);
+    if (monitors == Monitors::TwoHalves)
+        xrandr(u"--setmonitor RIGHT"_s + half + u"%1+0 none"_s.arg(size().width() / 2));
+}
+
+std::optional<QColor> X11Desktop::pixel(const QPoint& point) const
+{
+    const auto cookie = xcb_get_image(connection(),
+        XCB_IMAGE_FORMAT_Z_PIXMAP,
+        root(),
+        word(point.x()),
+        word(point.y()),
+        1,
+        1,
+        ~0U);
+    const auto image = own(xcb_get_image_reply(connection(), cookie, nullptr));
+    if (!image)
+        return {};
+    const auto* bytes = xcb_get_image_data(image.get());
+    return QColor(bytes[2], bytes[1], bytes[0]);
+}
+
+QColor X11Desktop::bareColour() const
+{
+    return QColor::fromRgb(bare);
+}
+
+void X11Desktop::click(const QPoint& point, std::uint8_t button) const
+{
+    const auto fake = [&](std::uint8_t type, std::uint8_t detail) {
+        xcb_test_fake_input(
+            connection(), type, detail, 0, root(), word(point.x()), word(point.y()), 0);
+    };
+    fake(XCB_MOTION_NOTIFY, 0);
+    fake(XCB_BUTTON_PRESS, button);
+    fake(XCB_BUTTON_RELEASE, button);
+    xcb_flush(connection());
+}
+
+void X11Desktop::cover(const QColor& colour)
+{
+    m_cover = openWindow(WindowKind::Ordinary, colour);
+}
+
+xcb_window_t X11Desktop::openWindow(WindowKind kind, const QColor& colour, const QRect& frame) const
+{
+    auto* const x11 = connection();
+    const bool hasAlpha = kind == WindowKind::WithAlpha || kind == WindowKind::WithOpaqueRegion;
+    const auto visual = hasAlpha ? visualWithAlpha(*m_screen) : m_screen->root_visual;
+    const std::uint8_t depth = hasAlpha ? 32 : m_screen->root_depth;
+    const auto colormap = xcb_generate_id(x11);
+    xcb_create_colormap(x11, XCB_COLORMAP_ALLOC_NONE, colormap, root(), visual);
+
+    const auto window = xcb_generate_id(x11);
+    const auto width = word(frame.width());
+    const auto height = word(frame.height());
+    constexpr auto given = XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_COLORMAP;
+    const std::array<std::uint32_t, 3> values{colour.rgb() & 0xffffff, 0, colormap};
+    xcb_create_window(
+        x11, depth, window, root(), 0, 0, width, height, 0, 0, visual, given, values.data());
+    moveWindow(window, frame.topLeft());
+
+    const auto set = [&](const char* name, xcb_atom_t type, std::vector<std::uint32_t> contents) {
+        const auto count = static_cast<std::uint32_t>(contents.size());
+        xcb_change_property(
+            x11, XCB_PROP_MODE_REPLACE, window, atom(name), type, 32, count, contents.data());
+    };
+    set("_NET_WM_WINDOW_TYPE",
+        XCB_ATOM_ATOM,
+        {atom(kind == WindowKind::Desktop ? "_NET_WM_WINDOW_TYPE_DESKTOP"
+                                          : "_NET_WM_WINDOW_TYPE_NORMAL")});
+    if (kind == WindowKind::WithOpaqueRegion)
+        set("_NET_WM_OPAQUE_REGION", XCB_ATOM_CARDINAL, {0, 0, width, height});
+    if (kind == WindowKind::Faded)
+        set("_NET_WM_WINDOW_OPACITY", XCB_ATOM_CARDINAL, {0x80000000});
+    if (kind == WindowKind::Shaped) {
+        const xcb_rectangle_t upperHalf{0, 0, width, word(height / 2)};
+        xcb_shape_rectangles(
+            x11, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, 0, window, 0, 0, 1, &upperHalf);
+    }
+    // "The user wants it here": window managers place the others as they like.
+    std::vector<std::uint32_t> hints(18);
+    hints.front() = 1;
+    set("WM_NORMAL_HINTS", XCB_ATOM_WM_SIZE_HINTS, hints);
+    xcb_map_window(x11, window);
+    xcb_flush(x11);
+    return window;
+}
+
+void X11Desktop::moveWindow(xcb_window_t window, const QPoint& position) const
+{
+    const std::array values{position.x(), position.y()};
+    xcb_configure_window(
+        connection(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, values.data());
+    xcb_flush(connection());
+}
+
+void X11Desktop::closeWindow(xcb_window_t window) const
+{
+    xcb_destroy_window(connection(), window);
+    xcb_flush(connection());
+}
+
+void X11Desktop::requestClose() const
+{
+    for (const auto window : managedWindows())
+        ask(window, "_NET_CLOSE_WINDOW", XCB_CURRENT_TIME);
+}
+
+void X11Desktop::requestToCloseTopmost() const
+{
+    const auto tree =
+        own(xcb_query_tree_reply(connection(), xcb_query_tree(connection(), root()), nullptr));
+    const auto window = xcb_query_tree_children(tree.get())[tree->children_len - 1];
+    send(window, XCB_EVENT_MASK_NO_EVENT, window, "WM_PROTOCOLS", atom("WM_DELETE_WINDOW"));
+}
+
+QStringList X11Desktop::windowTitles() const
+{
+    QStringList titles;
+    for (const auto window : managedWindows())
+        titles << QString::fromUtf8(property(window, "_NET_WM_NAME"));
+    return titles;
+}
+
+std::vector<xcb_window_t> X11Desktop::managedWindows() const
+{
+    const auto list = property(root(), "_NET_CLIENT_LIST");
+    const auto* windows = reinterpret_cast<const xcb_window_t*>(list.constData());
+    return {windows, windows + list.size() / 4};
+}
+
+QByteArray X11Desktop::property(xcb_window_t window, const char* name) const
+{
+    const auto cookie =
+        xcb_get_property(connection(), 0, window, atom(name), XCB_ATOM_ANY, 0, 1000);
+    const auto reply = own(xcb_get_property_reply(connection(), cookie, nullptr));
+    if (!reply)
+        return {};
+    return {static_cast<char*>(xcb_get_property_value(reply.get())),
+        xcb_get_property_value_length(reply.get())};
+}
+
+xcb_atom_t X11Desktop::atom(const char* name) const
+{
+    const auto cookie =
+        xcb_intern_atom(connection(), 0, word(static_cast<int>(qstrlen(name))), name);
+    return own(xcb_intern_atom_reply(connection(), cookie, nullptr))->atom;
+}
+
+void X11Desktop::ask(xcb_window_t window, const char* what, std::uint32_t value) const
+{
+    constexpr auto mask = XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    send(root(), mask, window, what, value);
+}
+
+void X11Desktop::send(xcb_window_t receiver,
+    std::uint32_t mask,
+    xcb_window_t window,
+    const char* what,
+    std::uint32_t value) const
+{
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = atom(what);
+    message.data.data32[0] = value;
+    xcb_send_event(connection(), 0, receiver, mask, reinterpret_cast<const char*>(&message));
+    xcb_flush(connection());
+}
