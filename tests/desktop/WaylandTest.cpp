@@ -162,6 +162,8 @@ private Q_SLOTS:
             m_desktop->start();
             QTRY_COMPARE_WITH_TIMEOUT(colours(), u"red blue"_s, 2000);
             QCOMPARE(m_helper->process().state(), QProcess::Running);
+            QCOMPARE(m_helper->process().readAllStandardError(),
+                "The Wayland compositor has closed the connection; waiting for it.\n");
             m_desktop->click({300, 300});
             QTRY_COMPARE(m_helper->lines().count(u"mouse down"_s), i + 1);
         }
@@ -194,6 +196,7 @@ private Q_SLOTS:
         m_helper->process().terminate();
         QVERIFY(m_helper->waitForEnd());
         QCOMPARE(m_helper->process().exitCode(), 0);
+        QCOMPARE(m_helper->process().readAllStandardError().count('\n'), 3); // one a loss
     }
 
 private:

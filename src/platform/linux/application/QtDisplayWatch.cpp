@@ -1,10 +1,28 @@
 #include "platform/linux/application/QtDisplayWatch.h"
 
 #include <QCoreApplication>
+#include <QEvent>
 #include <QThread>
 
 #include <unistd.h>
 #include <utility>
+
+namespace {
+
+/// Qt's readers of a broken connection ask for it to be looked at once more, and a second complaint
+/// from within the first one would not come to us.
+class BrokenConnectionFilter : public QObject {
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* receiver, QEvent* event) override
+    {
+        return event->type() == QEvent::MetaCall &&
+               receiver->inherits("QtWaylandClient::QWaylandDisplay");
+    }
+};
+
+} // namespace
 
 QtDisplayWatch* QtDisplayWatch::instance = nullptr;
 
@@ -33,8 +51,12 @@ void QtDisplayWatch::hear(QtMsgType type, const QMessageLogContext& context, con
             for (;;)
                 pause(); // a thread that only reads for Qt, and would end the process
         }
+        auto* const application = QCoreApplication::instance();
+        application->installEventFilter(new BrokenConnectionFilter(application));
         instance->m_ways.goOnAfterCompositorLoss();
         return;
     }
-    instance->m_former(type, context, message);
+    // Its other complaints are of no use to anybody.
+    if (qstrcmp(context.category, "qt.qpa.wayland") != 0)
+        instance->m_former(type, context, message);
 }

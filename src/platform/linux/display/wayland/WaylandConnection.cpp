@@ -139,14 +139,29 @@ void WaylandConnection::bind(std::uint32_t name, const char* interface, std::uin
     take(m_viewporter, wp_viewporter_interface, 1);
     take(m_fractions, wp_fractional_scale_manager_v1_interface, 1);
     take(m_logicalOutputs, zxdg_output_manager_v1_interface, 3);
-    if (offered == wl_seat_interface.name)
-        take(m_seats.emplace_back(), wl_seat_interface, 5);
+    if (offered == wl_seat_interface.name) {
+        m_newSeats.push_back({name, version});
+        Q_EMIT seatsCame();
+    }
     if (offered == wl_output_interface.name) {
         WaylandHandle<wl_output> output;
         take(output, wl_output_interface, 4);
         m_outputs.push_back(std::make_unique<WaylandOutput>(
             std::move(output), name, m_logicalOutputs.get(), [this] { Q_EMIT outputsChanged(); }));
     }
+}
+
+std::vector<WaylandHandle<wl_seat>> WaylandConnection::takeNewSeats()
+{
+    constexpr std::uint32_t newest = 5;
+    std::vector<WaylandHandle<wl_seat>> seats;
+    for (const auto& [name, version] : std::exchange(m_newSeats, {}))
+        bindTo(seats.emplace_back(),
+            m_registry.get(),
+            name,
+            wl_seat_interface,
+            std::min(version, newest));
+    return seats;
 }
 
 void WaylandConnection::remove(std::uint32_t name)

@@ -41,7 +41,9 @@ public:
     } ///< or null
     /// In the order in which the compositor told of them.
     const std::vector<std::unique_ptr<WaylandOutput>>& outputs() const { return m_outputs; }
-    const std::vector<WaylandHandle<wl_seat>>& seats() const { return m_seats; }
+    /// The seats that have come since this was called last. They tell what they have only once,
+    /// soon: whoever takes them has to listen at once.
+    std::vector<WaylandHandle<wl_seat>> takeNewSeats();
 
     void followDispatcher();
     /// Sends what has been asked for so far.
@@ -50,6 +52,7 @@ public:
 Q_SIGNALS:
     /// An output came, went, or is another now.
     void outputsChanged();
+    void seatsCame();
     /// The compositor has gone, or does not want us any more.
     void lost();
 
@@ -73,7 +76,11 @@ private:
     WaylandHandle<wp_viewporter> m_viewporter;
     WaylandHandle<wp_fractional_scale_manager_v1> m_fractions;
     WaylandHandle<zxdg_output_manager_v1> m_logicalOutputs;
-    std::vector<WaylandHandle<wl_seat>> m_seats;
+    struct Global {
+        std::uint32_t name;
+        std::uint32_t version;
+    };
+    std::vector<Global> m_newSeats;
     std::vector<std::unique_ptr<WaylandOutput>> m_outputs;
     QSocketNotifier m_notifier;
     bool m_isLost = false;

@@ -30,10 +30,17 @@ void WaylandDisplay::take(std::unique_ptr<WaylandConnection> connection)
     connect(
         m_connection.get(), &WaylandConnection::outputsChanged, this, &WaylandDisplay::readOutputs);
     connect(m_connection.get(), &WaylandConnection::lost, this, &WaylandDisplay::lose);
-    for (const auto& seat : m_connection->seats())
-        m_inputs.push_back(std::make_unique<WaylandInput>(
-            *m_connection, *seat, [this](const wl_surface* surface) { return windowOf(surface); }));
+    connect(m_connection.get(), &WaylandConnection::seatsCame, this, &WaylandDisplay::takeSeats);
+    takeSeats();
     readOutputs();
+}
+
+void WaylandDisplay::takeSeats()
+{
+    for (auto& seat : m_connection->takeNewSeats())
+        m_inputs.push_back(std::make_unique<WaylandInput>(*m_connection,
+            std::move(seat),
+            [this](const wl_surface* surface) { return windowOf(surface); }));
 }
 
 void WaylandDisplay::followDispatcher()

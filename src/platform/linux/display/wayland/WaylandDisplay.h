@@ -32,6 +32,7 @@ private:
     void take(std::unique_ptr<WaylandConnection> connection);
     void lose();
     void connectAgain();
+    void takeSeats();
     void readOutputs();
     void placeWindows();
     const WaylandOutput* outputFor(const Screen& screen) const;

@@ -18,8 +18,8 @@ QPoint point(wl_fixed_t x, wl_fixed_t y)
 } // namespace
 
 const wl_seat_listener WaylandInput::seatListener{
-    [](void* self, wl_seat* seat, std::uint32_t capabilities) {
-        input(self).setCapabilities(seat, capabilities);
+    [](void* self, wl_seat* /*seat*/, std::uint32_t capabilities) {
+        input(self).setCapabilities(capabilities);
     },
     [](void* /*self*/, wl_seat* /*seat*/, const char* /*name*/) {},
 };
@@ -72,13 +72,14 @@ const wl_touch_listener WaylandInput::touchListener{
     [](void* /*self*/, wl_touch*, std::int32_t, wl_fixed_t /*orientation*/) {},
 };
 
-WaylandInput::WaylandInput(WaylandConnection& connection, wl_seat& seat, WindowFinder findWindow)
-    : m_findWindow(std::move(findWindow)), m_cursor(connection)
+WaylandInput::WaylandInput(
+    WaylandConnection& connection, WaylandHandle<wl_seat> seat, WindowFinder findWindow)
+    : m_findWindow(std::move(findWindow)), m_seat(std::move(seat)), m_cursor(connection)
 {
-    wl_seat_add_listener(&seat, &seatListener, this);
+    wl_seat_add_listener(m_seat.get(), &seatListener, this);
 }
 
-void WaylandInput::setCapabilities(wl_seat* seat, std::uint32_t capabilities)
+void WaylandInput::setCapabilities(std::uint32_t capabilities)
 {
     const bool hasPointer = (capabilities & WL_SEAT_CAPABILITY_POINTER) != 0;
     const bool hasTouch = (capabilities & WL_SEAT_CAPABILITY_TOUCH) != 0;
@@ -86,13 +87,13 @@ void WaylandInput::setCapabilities(wl_seat* seat, std::uint32_t capabilities)
         m_pointer.reset();
         m_surface = nullptr;
     } else if (!m_pointer) {
-        m_pointer.reset(wl_seat_get_pointer(seat));
+        m_pointer.reset(wl_seat_get_pointer(m_seat.get()));
         wl_pointer_add_listener(m_pointer.get(), &pointerListener, this);
     }
     if (!hasTouch) {
         m_touch.reset();
     } else if (!m_touch) {
-        m_touch.reset(wl_seat_get_touch(seat));
+        m_touch.reset(wl_seat_get_touch(m_seat.get()));
         wl_touch_add_listener(m_touch.get(), &touchListener, this);
     }
 }

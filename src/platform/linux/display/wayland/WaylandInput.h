@@ -14,7 +14,8 @@ public:
     /// The window with that surface, or null.
     using WindowFinder = std::function<WaylandWindow*(const wl_surface*)>;
 
-    WaylandInput(WaylandConnection& connection, wl_seat& seat, WindowFinder findWindow);
+    WaylandInput(
+        WaylandConnection& connection, WaylandHandle<wl_seat> seat, WindowFinder findWindow);
     WaylandInput(const WaylandInput&) = delete;
     WaylandInput& operator=(const WaylandInput&) = delete;
 
@@ -23,12 +24,13 @@ private:
     static const wl_pointer_listener pointerListener;
     static const wl_touch_listener touchListener;
 
-    void setCapabilities(wl_seat* seat, std::uint32_t capabilities);
+    void setCapabilities(std::uint32_t capabilities);
     void enter(std::uint32_t serial, const wl_surface* surface, const QPoint& location);
     void pressOrRelease(std::uint32_t button, std::uint32_t state) const;
     WindowViews* viewsUnderPointer() const;
 
     WindowFinder m_findWindow;
+    WaylandHandle<wl_seat> m_seat;
     WaylandCursor m_cursor;
     WaylandHandle<wl_pointer> m_pointer;
     WaylandHandle<wl_touch> m_touch;
