@@ -11,7 +11,8 @@ class PlayerItem : public QObject {
 public:
     enum class Status { Unknown = 0, ReadyToPlay = 1, Failed = 2 };
 
-    /// Posted on the process's default notification centre when an item was played to its end.
+    /// Posted on the process's default notification centre when an item was played to its end, with
+    /// the item as a `QObject*`.
     static QString didPlayToEndTimeNotification();
 
     /// Takes a file URL; anything that is not a readable regular file fails once it is played.

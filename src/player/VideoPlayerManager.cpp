@@ -69,8 +69,11 @@ VideoPlayerManager::VideoPlayerManager(Preferences& preferences,
     m_notificationObservers.push_back(
         distributedCenter.addObserver(u"UpdateVideoList"_s, [this] { updateVideoList(); }));
     observePreferences();
-    m_notificationObservers.push_back(
-        center.addObserver(PlayerItem::didPlayToEndTimeNotification(), [this] {
+    m_notificationObservers.push_back(center.addObserver(
+        PlayerItem::didPlayToEndTimeNotification(), [this](const QVariant& item) {
+            const auto* const ended = item.value<QObject*>();
+            if (ended && (!m_player || ended != m_player->currentItem()))
+                return; // another player's
             m_playList.noteEnd();
             playerItemDidReachEnd();
         }));

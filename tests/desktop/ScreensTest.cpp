@@ -1,6 +1,7 @@
 #include "desktop/HelperProcess.h"
 #include "support/TestVideos.h"
 
+#include <QDeadlineTimer>
 #include <QTest>
 
 using namespace Qt::StringLiterals;
@@ -40,6 +41,23 @@ private Q_SLOTS:
 
         set("MonitorArrange", u"0"_s);
         QTRY_COMPARE(quarters(), "red red blue blue");
+    }
+
+    void rebuiltWindows_neverShowTheBareScreen()
+    {
+        m_desktop->setMonitors(Monitors::TwoHalves);
+        m_helper->start();
+        QTRY_COMPARE(quarters(), "red red blue blue");
+        for (const auto* arrangement : {"1", "0"}) {
+            const auto before = m_desktop->colour({540, 360});
+            set("MonitorArrange", QLatin1String(arrangement));
+            auto colour = before;
+            for (QDeadlineTimer patience(5000); colour == before && !patience.hasExpired();) {
+                colour = m_desktop->colour({540, 360});
+                QVERIFY(colour != u"bare");
+            }
+            QVERIFY(colour != before);
+        }
     }
 
     void unpluggedAndPluggedMonitor_isFollowedWhilePlaying_data()

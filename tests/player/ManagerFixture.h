@@ -58,7 +58,12 @@ struct ManagerFixture {
     }
     /// What has been recorded since the last time, in one line.
     static QString took() { return Recording::take().join(u"; "_s); }
-    void endItem() { center.post(PlayerItem::didPlayToEndTimeNotification()); }
+    void endItem() { end(Recording::currentItem()); }
+    void end(PlayerItem* item)
+    {
+        center.post(
+            PlayerItem::didPlayToEndTimeNotification(), QVariant::fromValue<QObject*>(item));
+    }
     void poll() { preferences->updateUserDefaultFromDisk(); }
     static QString playing()
     {

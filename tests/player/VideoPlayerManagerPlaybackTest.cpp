@@ -87,6 +87,15 @@ private Q_SLOTS:
         }
     }
 
+    void endOfAnotherPlayersItem_changesNothing()
+    {
+        Fixture fixture(u"ab"_s, "PlayModel=1\n");
+        fixture.start();
+        PlayerItem another(QUrl(u"file:///another.mp4"_s));
+        fixture.end(&another);
+        QCOMPARE(Fixture::playing(), u"a"_s);
+    }
+
     void single_restartsTheSameItem()
     {
         Fixture fixture;

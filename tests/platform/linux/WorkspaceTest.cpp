@@ -128,6 +128,7 @@ private Q_SLOTS:
         QTRY_VERIFY(isListening());
         auto bus = m_systemBus.connection();
         prepareForSleep(bus, {false}); // some program's
+        QVERIFY(!wakes.wait(200));
         bus.registerService(logind);
         // GIO may not know yet who owns the name that has just been taken.
         QTRY_VERIFY((prepareForSleep(bus, {false}), wakes.count() > 0));

@@ -210,12 +210,13 @@ void X11DesktopWindow::listen()
             XCB_MOD_MASK_ANY);
     }
     selectTouches(m_connection.get(), m_window);
-    m_managerChanges = observe(m_windowManager, &X11WindowManager::desktopWindowsChanged, [this] {
-        if (m_isMapped)
-            unmap();
-        showOrHide(true);
-        xcb_flush(m_connection.get());
-    });
+    m_managerChanges =
+        observe(m_windowManager, &X11WindowManager::desktopWindowSupportChanged, [this] {
+            if (m_isMapped)
+                unmap();
+            showOrHide(true);
+            xcb_flush(m_connection.get());
+        });
 }
 
 void X11DesktopWindow::handle(const xcb_generic_event_t& event)
@@ -317,11 +318,11 @@ void X11DesktopWindow::showOrHide(bool isOrderedAnew)
 
 void X11DesktopWindow::map()
 {
-    using DesktopWindows = X11WindowManager::DesktopWindows;
-    if (m_windowManager.desktopWindows() == DesktopWindows::Impossible)
+    using DesktopWindowSupport = X11WindowManager::DesktopWindowSupport;
+    if (m_windowManager.desktopWindowSupport() == DesktopWindowSupport::Impossible)
         return;
     m_isMapped = true;
-    m_isManaged = m_windowManager.desktopWindows() == DesktopWindows::Managed;
+    m_isManaged = m_windowManager.desktopWindowSupport() == DesktopWindowSupport::Managed;
     const std::uint32_t bypasses = m_isManaged ? 0 : 1;
     xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_OVERRIDE_REDIRECT, &bypasses);
     describeBehavior();

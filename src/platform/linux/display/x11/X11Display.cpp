@@ -31,7 +31,7 @@ X11Display::X11Display(std::unique_ptr<X11Connection> connection)
             Q_EMIT activeSpaceChanged();
     });
     connect(&m_occlusion, &X11Occlusion::changed, this, &DisplayServer::occlusionChanged);
-    connect(&m_windowManager, &X11WindowManager::desktopWindowsChanged, this, [this] {
+    connect(&m_windowManager, &X11WindowManager::desktopWindowSupportChanged, this, [this] {
         if (std::exchange(m_couldPresent, canPresent()) == m_couldPresent)
             return;
         Q_EMIT problemChanged();
@@ -55,7 +55,8 @@ bool X11Display::hasTray()
 
 bool X11Display::isImpossible() const
 {
-    return m_windowManager.desktopWindows() == X11WindowManager::DesktopWindows::Impossible;
+    return m_windowManager.desktopWindowSupport() ==
+           X11WindowManager::DesktopWindowSupport::Impossible;
 }
 
 QString X11Display::problem() const

@@ -26,10 +26,10 @@ bool isXwayland(X11Connection& x11)
 
 X11WindowManager::X11WindowManager(X11Connection& connection)
     : m_connection(connection), m_isXwayland(isXwayland(connection)), m_settling(300ms, [this] {
-          const auto before = m_desktopWindows;
+          const auto before = m_desktopWindowSupport;
           probe();
-          if (m_desktopWindows != before)
-              Q_EMIT desktopWindowsChanged();
+          if (m_desktopWindowSupport != before)
+              Q_EMIT desktopWindowSupportChanged();
       })
 {
     probe();
@@ -55,7 +55,8 @@ xcb_window_t X11WindowManager::checkWindow()
 void X11WindowManager::probe()
 {
     m_checkWindowWatch.reset();
-    m_desktopWindows = m_isXwayland ? DesktopWindows::Impossible : DesktopWindows::Bypassing;
+    m_desktopWindowSupport =
+        m_isXwayland ? DesktopWindowSupport::Impossible : DesktopWindowSupport::Bypassing;
     const auto window = checkWindow();
     if (window == XCB_NONE)
         return;
@@ -69,7 +70,7 @@ void X11WindowManager::probe()
     xcb_change_window_attributes(m_connection.get(), window, XCB_CW_EVENT_MASK, &events);
 
     if (supports(m_connection.hints()._NET_WM_WINDOW_TYPE_DESKTOP))
-        m_desktopWindows = DesktopWindows::Managed;
+        m_desktopWindowSupport = DesktopWindowSupport::Managed;
 }
 
 bool X11WindowManager::supports(xcb_atom_t hint)

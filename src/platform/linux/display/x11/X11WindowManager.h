@@ -16,7 +16,7 @@ class X11WindowManager : public QObject {
 public:
     explicit X11WindowManager(X11Connection& connection);
 
-    enum class DesktopWindows {
+    enum class DesktopWindowSupport {
         /// A window manager runs that lists the desktop type among what it supports.
         Managed,
         /// There is none, or a tiling one that would place such a window among the others: it has
@@ -26,13 +26,13 @@ public:
         /// others.
         Impossible,
     };
-    DesktopWindows desktopWindows() const { return m_desktopWindows; }
+    DesktopWindowSupport desktopWindowSupport() const { return m_desktopWindowSupport; }
 
     /// Whether one runs now that lists this among what it supports. Asks the server.
     bool supports(xcb_atom_t hint);
 
 Q_SIGNALS:
-    void desktopWindowsChanged();
+    void desktopWindowSupportChanged();
 
 private:
     void probe();
@@ -40,7 +40,7 @@ private:
 
     X11Connection& m_connection;
     bool m_isXwayland;
-    DesktopWindows m_desktopWindows = DesktopWindows::Bypassing;
+    DesktopWindowSupport m_desktopWindowSupport = DesktopWindowSupport::Bypassing;
     Debounce m_settling; // a window manager sets its properties one after the other
     std::optional<Disposable> m_checkWindowWatch;
 };
