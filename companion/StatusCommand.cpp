@@ -1,5 +1,6 @@
 #include "companion/CommandHandlers.h"
 #include "companion/Output.h"
+#include "platform/HelperStatus.h"
 #include "platform/SessionInstance.h"
 
 #include <QJsonObject>
@@ -33,6 +34,7 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
         return entry.sign == preferences.playingVideoSign();
     });
     const bool isRunning = SessionInstance::isClaimed();
+    const auto problem = isRunning ? HelperStatus::problem().value_or(QString()) : QString();
     const auto order = nameOf(orderNames, preferences.playModel());
     const auto screens = nameOf(screenNames, preferences.monitorArrange());
     const bool isSingleScreen =
@@ -51,6 +53,8 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
             {"volume", static_cast<qint64>(volume)},
             {"muted", preferences.mute()},
             {"videos", static_cast<qint64>(entries.size())}};
+        if (!problem.isEmpty())
+            object.insert("problem", problem);
         if (current != entries.end()) {
             object.insert("sign", current->sign);
             object.insert("title", current->title);
@@ -64,6 +68,8 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
                                                    : u"paused";
     Output::print(u"helper     %1"_s.arg(isRunning ? u"running" : u"not running in this session"));
     Output::print(u"wallpaper  %1"_s.arg(state));
+    if (!problem.isEmpty())
+        Output::print(u"not shown  %1"_s.arg(problem));
     Output::print(
         u"video      %1"_s.arg(current != entries.end() ? current->title : u"none chosen"_s));
     Output::print(u"order      %1"_s.arg(order));

@@ -2,6 +2,7 @@
 
 #include "base/Debounce.h"
 #include "base/NotificationCenter.h"
+#include "platform/HelperStatus.h"
 #include "platform/SessionInstance.h"
 #include "platform/Workspace.h"
 #include "platform/linux/application/DisplayChoice.h"
@@ -66,6 +67,7 @@ void reportLoss()
 void reportProblem(const DisplayServer& display)
 {
     const auto problem = display.problem();
+    HelperStatus::setProblem(problem);
     if (!problem.isEmpty())
         std::fprintf(stderr, "%s\n", qUtf8Printable(problem));
 }

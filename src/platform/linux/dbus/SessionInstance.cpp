@@ -1,20 +1,16 @@
 #include "platform/SessionInstance.h"
 
+#include "platform/linux/dbus/SessionNames.h"
+
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-
-namespace {
-
-const auto helperName = QStringLiteral("com.zemra.tavelor.helper");
-
-}
 
 SessionInstance::Claim SessionInstance::claim()
 {
     auto* const bus = QDBusConnection::sessionBus().interface();
     if (!bus)
         return Claim::NoBus;
-    const auto reply = bus->registerService(helperName);
+    const auto reply = bus->registerService(SessionNames::helper);
     if (!reply.isValid())
         return Claim::NoBus;
     return reply == QDBusConnectionInterface::ServiceRegistered ? Claim::Owned : Claim::Taken;
@@ -23,5 +19,5 @@ SessionInstance::Claim SessionInstance::claim()
 bool SessionInstance::isClaimed()
 {
     auto* const bus = QDBusConnection::sessionBus().interface();
-    return bus && bus->isServiceRegistered(helperName);
+    return bus && bus->isServiceRegistered(SessionNames::helper);
 }

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
 #include <utility>
 
+using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -43,6 +43,12 @@ void WaylandDisplay::takeSeats()
             [this](const wl_surface* surface) { return windowOf(surface); }));
 }
 
+QString WaylandDisplay::problem() const
+{
+    return m_connection ? QString()
+                        : u"The Wayland compositor has closed the connection; waiting for it."_s;
+}
+
 void WaylandDisplay::followDispatcher()
 {
     if (m_connection)
@@ -51,7 +57,6 @@ void WaylandDisplay::followDispatcher()
 
 void WaylandDisplay::lose()
 {
-    std::fputs("The Wayland compositor has closed the connection; waiting for it.\n", stderr);
     auto lost = std::exchange(m_connection, nullptr);
     Q_EMIT presentersChanged(); // the render thread lets go of the connection
     for (auto* const window : m_windows)
@@ -59,6 +64,7 @@ void WaylandDisplay::lose()
     m_inputs.clear();
     lost.reset();
     m_nextAttempt.start();
+    Q_EMIT problemChanged();
 }
 
 void WaylandDisplay::connectAgain()
@@ -69,6 +75,7 @@ void WaylandDisplay::connectAgain()
     m_nextAttempt.stop();
     take(std::move(connection));
     Q_EMIT presentersChanged();
+    Q_EMIT problemChanged();
 }
 
 void WaylandDisplay::readOutputs()

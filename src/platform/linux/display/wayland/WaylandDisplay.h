@@ -20,6 +20,7 @@ public:
     std::vector<Screen> screens() const override { return m_screens; }
     bool outlivesItsServer() const override { return true; }
     void followDispatcher() override;
+    QString problem() const override;
     bool canPresent() const override { return m_connection != nullptr; }
     std::unique_ptr<FramePresenter> makePresenter() override;
 
