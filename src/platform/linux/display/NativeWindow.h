@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/DesktopWindow.h"
-#include "platform/common/WindowViews.h"
+#include "platform/common/window/WindowViews.h"
 #include "platform/linux/video/FrameTarget.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "platform/common/WindowViews.h"
+#include "platform/common/window/WindowViews.h"
 
 #include <algorithm>
 #include <utility>
