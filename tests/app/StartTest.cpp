@@ -41,13 +41,14 @@ private Q_SLOTS:
     void commandLine_isAnsweredWithoutADisplay()
     {
         qunsetenv("DISPLAY");
+        qunsetenv("WAYLAND_DISPLAY");
         for (const auto& [arguments, status, output, complaint] :
             {std::tuple(u"--help"_s, 0, "Usage: tavelorhelper", ""),
                 std::tuple(u"--version"_s, 0, "TavelorHelper 1.0.0\n", ""),
                 std::tuple(
                     u"--versions"_s, 2, "", "tavelorhelper: unknown argument \"--versions\""),
                 // A session manager's, which is the toolkit's.
-                std::tuple(u"-session x"_s, 1, "", "TavelorHelper needs an X11 display")}) {
+                std::tuple(u"-session x"_s, 1, "", "TavelorHelper needs a display")}) {
             QProcess helper;
             helper.start(QStringLiteral(TAVELORHELPER), arguments.split(u' '));
 

@@ -54,6 +54,33 @@ const wl_registry_listener WaylandConnection::registryListener{
     },
 };
 
+class WaylandConnection::RetiredSurface {
+public:
+    RetiredSurface(WaylandConnection& connection, WaylandHandle<wl_surface> surface)
+        : m_connection(connection),
+          m_surface(std::move(surface)),
+          m_answer(wl_display_sync(connection.display()))
+    {
+        static constexpr wl_callback_listener listener{
+            [](void* self, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
+                auto& retired = static_cast<RetiredSurface*>(self)->m_connection.m_retired;
+                std::erase_if(retired, [self](const auto& one) { return one.get() == self; });
+            },
+        };
+        wl_callback_add_listener(m_answer.get(), &listener, this);
+    }
+
+private:
+    WaylandConnection& m_connection;
+    WaylandHandle<wl_surface> m_surface;
+    WaylandHandle<wl_callback> m_answer;
+};
+
+void WaylandConnection::retire(WaylandHandle<wl_surface> surface)
+{
+    m_retired.push_back(std::make_unique<RetiredSurface>(*this, std::move(surface)));
+}
+
 WaylandConnection::Attempt WaylandConnection::open()
 {
     auto display = connectToCompositor();

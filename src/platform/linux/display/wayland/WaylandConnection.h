@@ -46,6 +46,9 @@ public:
     std::vector<WaylandHandle<wl_seat>> takeNewSeats();
 
     void followDispatcher();
+    /// Destroys a surface that is not used any more when the compositor has said all about it:
+    /// libwayland (1.21) loses memory when events tell of surfaces that are gone.
+    void retire(WaylandHandle<wl_surface> surface);
     /// Sends what has been asked for so far.
     void flush();
 
@@ -82,6 +85,8 @@ private:
     };
     std::vector<Global> m_newSeats;
     std::vector<std::unique_ptr<WaylandOutput>> m_outputs;
+    class RetiredSurface;
+    std::vector<std::unique_ptr<RetiredSurface>> m_retired;
     QSocketNotifier m_notifier;
     bool m_isLost = false;
 };

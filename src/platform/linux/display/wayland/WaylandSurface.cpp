@@ -1,5 +1,7 @@
 #include "platform/linux/display/wayland/WaylandSurface.h"
 
+#include <utility>
+
 void WaylandSurface::withSurface(const std::function<void(wl_surface*)>& action)
 {
     const std::lock_guard lock(m_mutex);
@@ -7,8 +9,8 @@ void WaylandSurface::withSurface(const std::function<void(wl_surface*)>& action)
         action(m_surface.get());
 }
 
-void WaylandSurface::end()
+WaylandHandle<wl_surface> WaylandSurface::end()
 {
     const std::lock_guard lock(m_mutex);
-    m_surface.reset();
+    return std::move(m_surface);
 }

@@ -15,8 +15,8 @@ public:
 
     /// Runs the action unless the surface has ended; nobody else uses it meanwhile. Any thread.
     void withSurface(const std::function<void(wl_surface*)>& action);
-    /// Any thread may hold on to the rest.
-    void end();
+    /// Hands the surface back; any thread may hold on to the rest.
+    WaylandHandle<wl_surface> end();
 
 private:
     std::mutex m_mutex;

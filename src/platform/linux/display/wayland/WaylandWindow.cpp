@@ -108,7 +108,7 @@ void WaylandWindow::dropSurface()
     m_fraction.reset();
     m_viewport.reset();
     m_layerSurface.reset();
-    m_surface->end();
+    m_connection->retire(m_surface->end());
     m_surface.reset();
     m_wlSurface = nullptr;
     m_size = {};
