@@ -69,7 +69,7 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
     Output::print(u"helper     %1"_s.arg(isRunning ? u"running" : u"not running in this session"));
     Output::print(u"wallpaper  %1"_s.arg(state));
     if (!problem.isEmpty())
-        Output::print(u"not shown  %1"_s.arg(problem));
+        Output::print(u"problem    %1"_s.arg(problem));
     Output::print(
         u"video      %1"_s.arg(current != entries.end() ? current->title : u"none chosen"_s));
     Output::print(u"order      %1"_s.arg(order));

@@ -9,8 +9,8 @@
 /// `com.zemra.tavelor.Helper`. Main thread only.
 namespace HelperStatus {
 
-/// For the helper: why people see no wallpaper though it is switched on, as a sentence; empty where
-/// they do.
+/// For the helper: why people may see no wallpaper though it is switched on, as a sentence; empty
+/// where they do.
 void setProblem(const QString& problem);
 
 /// The same, asked of the helper. None where there is no helper or it does not answer within a

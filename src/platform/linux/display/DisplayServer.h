@@ -29,7 +29,7 @@ public:
     virtual bool outlivesItsServer() const { return false; }
     /// Connects to the event dispatcher's signals, which somebody has disconnected from all.
     virtual void followDispatcher() {}
-    /// Why people see no wallpaper, as a sentence; empty where they do.
+    /// Why people may see no wallpaper, as a sentence; empty where they do.
     virtual QString problem() const { return {}; }
 
     /// What a `DesktopWindow` uses. The window on that screen is the one that was given back in

@@ -1,5 +1,6 @@
 #include "platform/linux/display/wayland/WaylandDisplay.h"
 
+#include "platform/linux/display/wayland/OtherWallpapers.h"
 #include "platform/linux/display/wayland/WaylandCpuPresenter.h"
 
 #include <algorithm>
@@ -19,6 +20,12 @@ WaylandDisplay::WaylandDisplay(std::unique_ptr<WaylandConnection> connection)
 {
     m_nextAttempt.setInterval(attemptInterval);
     connect(&m_nextAttempt, &QTimer::timeout, this, &WaylandDisplay::connectAgain);
+    m_lookForOthers.setSingleShot(true);
+    m_lookForOthers.setInterval(3s);
+    connect(&m_lookForOthers, &QTimer::timeout, this, [this] {
+        if (m_other = OtherWallpapers::running(); !m_other.isEmpty())
+            Q_EMIT problemChanged();
+    });
     take(std::move(connection));
 }
 
@@ -33,6 +40,8 @@ void WaylandDisplay::take(std::unique_ptr<WaylandConnection> connection)
     connect(m_connection.get(), &WaylandConnection::seatsCame, this, &WaylandDisplay::takeSeats);
     takeSeats();
     readOutputs();
+    m_other.clear();
+    m_lookForOthers.start();
 }
 
 void WaylandDisplay::takeSeats()
@@ -45,8 +54,12 @@ void WaylandDisplay::takeSeats()
 
 QString WaylandDisplay::problem() const
 {
-    return m_connection ? QString()
-                        : u"The Wayland compositor has closed the connection; waiting for it."_s;
+    if (!m_connection)
+        return u"The Wayland compositor has closed the connection; waiting for it."_s;
+    return m_other.isEmpty()
+               ? QString()
+               : u"%1 runs as well, and what it shows may lie in front of the wallpaper."_s.arg(
+                     m_other);
 }
 
 void WaylandDisplay::followDispatcher()

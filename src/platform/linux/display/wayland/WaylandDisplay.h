@@ -44,4 +44,6 @@ private:
     std::vector<Screen> m_screens; // those of the latest connection
     std::vector<WaylandWindow*> m_windows;
     QTimer m_nextAttempt;
+    QTimer m_lookForOthers; // once they have had the time to start with the session
+    QString m_other;        // another program that shows a wallpaper
 };
