@@ -27,15 +27,20 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Qt would abort where there is no display; a sentence is kinder.
-void requireDisplay()
+[[noreturn]] void endWithoutDisplay()
 {
-    if (DisplayChoice::isAnyThere())
-        return;
     std::fputs("TavelorHelper needs a display; neither WAYLAND_DISPLAY nor DISPLAY names one that "
                "answers.\n",
         stderr);
-    std::exit(EXIT_FAILURE); // NOLINT(concurrency-mt-unsafe): no thread has been started
+    std::_Exit(EXIT_FAILURE); // nothing is there yet that has an end
+}
+
+/// Qt would abort where there is no display, and wait for ever for one that does not answer; a
+/// sentence is kinder.
+void requireDisplay()
+{
+    if (!DisplayChoice::isAnyThere())
+        endWithoutDisplay();
 }
 
 /// Keeps the memory of one video from staying with the process when the next one plays. Pictures
@@ -134,6 +139,8 @@ void Application::Body::goOnWithoutQtDisplay(Application& application) const
 
 Application::Application(int& argc, char** argv) : m_body(std::make_unique<Body>(argc, argv, *this))
 {
+    if (!m_body->display)
+        endWithoutDisplay();         // it has gone meanwhile
     std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe): libmpv insists on it
     QGuiApplication::setQuitOnLastWindowClosed(false);
 

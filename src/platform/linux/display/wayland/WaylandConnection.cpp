@@ -39,6 +39,35 @@ WaylandHandle<wl_display> connectToCompositor()
         qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ? nullptr : wl_display_connect(nullptr));
 }
 
+/// A round trip that does not wait for ever.
+bool waitForAnswer(wl_display& display)
+{
+    bool isAnswered = false;
+    static constexpr wl_callback_listener listener{
+        [](void* answered, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
+            *static_cast<bool*>(answered) = true;
+        },
+    };
+    const WaylandHandle<wl_callback> callback(wl_display_sync(&display));
+    wl_callback_add_listener(callback.get(), &listener, &isAnswered);
+    const QDeadlineTimer deadline(patience);
+    while (!isAnswered) {
+        while (wl_display_prepare_read(&display) != 0) {
+            if (wl_display_dispatch_pending(&display) < 0)
+                return false;
+        }
+        wl_display_flush(&display);
+        const auto left = static_cast<int>(deadline.remainingTime());
+        if (left <= 0 || !isReadable(wl_display_get_fd(&display), left)) {
+            wl_display_cancel_read(&display);
+            return false;
+        }
+        if (wl_display_read_events(&display) < 0 || wl_display_dispatch_pending(&display) < 0)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 const wl_registry_listener WaylandConnection::registryListener{
@@ -96,7 +125,8 @@ WaylandConnection::Attempt WaylandConnection::open()
 
 bool WaylandConnection::isThere()
 {
-    return connectToCompositor() != nullptr;
+    const auto display = connectToCompositor();
+    return display && waitForAnswer(*display);
 }
 
 WaylandConnection::WaylandConnection(WaylandHandle<wl_display> display)
@@ -116,40 +146,10 @@ WaylandConnection::Outcome WaylandConnection::askWhatThereIs()
     m_registry.reset(wl_display_get_registry(m_display.get()));
     wl_registry_add_listener(m_registry.get(), &registryListener, this);
     // The first answer is what there is, the second one what it is like.
-    if (!waitForAnswer() || !waitForAnswer())
+    if (!waitForAnswer(*m_display) || !waitForAnswer(*m_display))
         return Outcome::NoCompositor;
     const bool isUsable = m_compositor && m_shm && m_layerShell;
     return isUsable ? Outcome::Connected : Outcome::NoLayerShell;
-}
-
-/// A round trip that does not wait for ever.
-bool WaylandConnection::waitForAnswer()
-{
-    bool isAnswered = false;
-    static constexpr wl_callback_listener listener{
-        [](void* answered, wl_callback* /*callback*/, std::uint32_t /*serial*/) {
-            *static_cast<bool*>(answered) = true;
-        },
-    };
-    const WaylandHandle<wl_callback> callback(wl_display_sync(m_display.get()));
-    wl_callback_add_listener(callback.get(), &listener, &isAnswered);
-    const QDeadlineTimer deadline(patience);
-    while (!isAnswered) {
-        while (wl_display_prepare_read(m_display.get()) != 0) {
-            if (wl_display_dispatch_pending(m_display.get()) < 0)
-                return false;
-        }
-        wl_display_flush(m_display.get());
-        const auto left = static_cast<int>(deadline.remainingTime());
-        if (left <= 0 || !isReadable(wl_display_get_fd(m_display.get()), left)) {
-            wl_display_cancel_read(m_display.get());
-            return false;
-        }
-        if (wl_display_read_events(m_display.get()) < 0 ||
-            wl_display_dispatch_pending(m_display.get()) < 0)
-            return false;
-    }
-    return true;
 }
 
 void WaylandConnection::bind(std::uint32_t name, const char* interface, std::uint32_t version)

@@ -24,7 +24,8 @@ public:
     /// for one that does not answer. Needs an application object.
     static Attempt open();
 
-    /// Whether WAYLAND_DISPLAY names one. May be asked before there is an application object.
+    /// Whether WAYLAND_DISPLAY names one that answers. May be asked before there is an application
+    /// object.
     static bool isThere();
 
     explicit WaylandConnection(WaylandHandle<wl_display> display);
@@ -63,7 +64,6 @@ private:
     static const wl_registry_listener registryListener;
 
     Outcome askWhatThereIs();
-    bool waitForAnswer();
     void bind(std::uint32_t name, const char* interface, std::uint32_t version);
     void remove(std::uint32_t name);
     void startReading();
