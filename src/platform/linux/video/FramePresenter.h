@@ -36,8 +36,9 @@ public:
     /// that is drawn already would do.
     virtual bool isBehind() const = 0;
 
-    /// Draws the context's current picture once for each size of view.
-    virtual void draw(mpv_render_context& context) = 0;
+    /// Draws the context's current picture once for each size of view. False when it could not take
+    /// the picture from the context, for want of memory.
+    virtual bool draw(mpv_render_context& context) = 0;
     /// Makes the picture black.
     virtual void clear() = 0;
     /// Shows what was drawn last on every target that follows; on the others as soon as they do.

@@ -24,7 +24,7 @@ class NoPresenter : public FramePresenter {
     bool hasTargets() const override { return false; }
     bool isReady() const override { return false; }
     bool isBehind() const override { return false; }
-    void draw(mpv_render_context& /*context*/) override {}
+    bool draw(mpv_render_context& /*context*/) override { return false; }
     void clear() override {}
     void present() override {}
 };
@@ -137,6 +137,8 @@ void PictureLoop::takePicture()
 {
     m_isStale = m_isStale || m_presenter->isBehind();
     m_isOffered = (mpv_render_context_update(m_context.get()) & MPV_RENDER_UPDATE_FRAME) != 0;
+    if (!m_isOffered)
+        m_offeredInVain.reset(); // the core has given it up
     // A picture comes ahead of its time; the one before it is shown first.
     const bool isFree = m_presenter->hasTargets() && !m_due;
     if (isFree && m_presenter->isReady()) {
@@ -155,10 +157,19 @@ void PictureLoop::takePicture()
         skipPicture();
 }
 
-/// Takes a picture that nobody will see, or the core would wait for it.
 void PictureLoop::skipPicture()
 {
     count(nextPicture(*m_context));
+    discardPicture();
+    m_content = Content::Picture;
+    m_isStale = true;
+    m_isOffered = false;
+    m_offeredInVain.reset();
+}
+
+/// Takes a picture that nobody will see, or the core would wait for it.
+void PictureLoop::discardPicture()
+{
     int yes = 1;
     int no = 0;
     mpv_render_param parameters[] = {
@@ -167,10 +178,6 @@ void PictureLoop::skipPicture()
         {MPV_RENDER_PARAM_INVALID, nullptr},
     };
     mpv_render_context_render(m_context.get(), parameters);
-    m_content = Content::Picture;
-    m_isStale = true;
-    m_isOffered = false;
-    m_offeredInVain.reset();
 }
 
 void PictureLoop::draw()
@@ -182,10 +189,10 @@ void PictureLoop::draw()
         m_due = timeOf(picture);
         m_content = Content::Picture;
     }
-    if (m_content == Content::Picture)
-        m_presenter->draw(*m_context);
-    else
+    if (m_content != Content::Picture)
         m_presenter->clear();
+    else if (!m_presenter->draw(*m_context) && m_isOffered)
+        discardPicture();
     m_isOffered = m_isStale = false;
 }
 

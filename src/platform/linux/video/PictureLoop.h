@@ -47,6 +47,7 @@ private:
     void present();
     void takePicture();
     void skipPicture();
+    void discardPicture();
     void draw();
     void count(const mpv_render_frame_info& picture);
     Clock::time_point timeOf(const mpv_render_frame_info& picture) const;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <utility>
 
@@ -137,10 +138,13 @@ void Player::Body::changePresenter()
         make = [this] { return m_output.makePresenter(); };
     const auto* decoding = m_renderThread.setPresenter(std::move(make));
     m_canPresent = decoding != nullptr;
+    if (m_output.canPresent() && !m_canPresent)
+        std::fputs("libmpv cannot draw here, so no video is shown.\n", stderr);
     if (decoding && hasGraphicsDevice())
         Mpv::setText(m_core.get(), "hwdec", decoding);
     applyPause();
-    if (m_canPresent && !couldPresent && m_item && !m_isLoaded)
+    const bool isWaiting = m_item && !m_isLoaded && m_item->status() != PlayerItem::Status::Failed;
+    if (m_canPresent && !couldPresent && isWaiting)
         load();
 }
 

@@ -4,6 +4,7 @@
 #include <QDeadlineTimer>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <poll.h>
 #include <string_view>
@@ -12,9 +13,6 @@
 using namespace std::chrono_literals;
 
 namespace {
-
-/// For a compositor that accepts a connection and does not answer.
-constexpr auto patience = 1s;
 
 template <typename Type>
 void bindTo(WaylandHandle<Type>& handle,
@@ -29,7 +27,11 @@ void bindTo(WaylandHandle<Type>& handle,
 bool isReadable(int descriptor, int milliseconds)
 {
     pollfd one{descriptor, POLLIN, 0};
-    return poll(&one, 1, milliseconds) > 0;
+    int ready = 0;
+    do
+        ready = poll(&one, 1, milliseconds);
+    while (ready < 0 && errno == EINTR);
+    return ready > 0;
 }
 
 /// Without the variable libwayland would take another session's compositor.
@@ -40,7 +42,7 @@ WaylandHandle<wl_display> connectToCompositor()
 }
 
 /// A round trip that does not wait for ever.
-bool waitForAnswer(wl_display& display)
+bool waitForAnswer(wl_display& display, std::chrono::milliseconds patience)
 {
     bool isAnswered = false;
     static constexpr wl_callback_listener listener{
@@ -110,13 +112,13 @@ void WaylandConnection::retire(WaylandHandle<wl_surface> surface)
     m_retired.push_back(std::make_unique<RetiredSurface>(*this, std::move(surface)));
 }
 
-WaylandConnection::Attempt WaylandConnection::open()
+WaylandConnection::Attempt WaylandConnection::open(std::chrono::milliseconds patience)
 {
     auto display = connectToCompositor();
     if (!display)
         return {Outcome::NoCompositor, nullptr};
     auto connection = std::make_unique<WaylandConnection>(std::move(display));
-    const auto outcome = connection->askWhatThereIs();
+    const auto outcome = connection->askWhatThereIs(patience);
     if (outcome != Outcome::Connected)
         return {outcome, nullptr};
     connection->startReading();
@@ -126,7 +128,7 @@ WaylandConnection::Attempt WaylandConnection::open()
 bool WaylandConnection::isThere()
 {
     const auto display = connectToCompositor();
-    return display && waitForAnswer(*display);
+    return display && waitForAnswer(*display, 1s);
 }
 
 WaylandConnection::WaylandConnection(WaylandHandle<wl_display> display)
@@ -141,12 +143,16 @@ WaylandConnection::~WaylandConnection()
     m_notifier.setEnabled(false); // before the descriptor is closed
 }
 
-WaylandConnection::Outcome WaylandConnection::askWhatThereIs()
+WaylandConnection::Outcome WaylandConnection::askWhatThereIs(std::chrono::milliseconds patience)
 {
     m_registry.reset(wl_display_get_registry(m_display.get()));
     wl_registry_add_listener(m_registry.get(), &registryListener, this);
     // The first answer is what there is, the second one what it is like.
-    if (!waitForAnswer(*m_display) || !waitForAnswer(*m_display))
+    if (!waitForAnswer(*m_display, patience))
+        return Outcome::NoCompositor;
+    for (const auto& output : m_outputs)
+        output->askForLogicalFrame(m_logicalOutputs.get());
+    if (!waitForAnswer(*m_display, patience))
         return Outcome::NoCompositor;
     const bool isUsable = m_compositor && m_shm && m_layerShell;
     return isUsable ? Outcome::Connected : Outcome::NoLayerShell;
@@ -157,7 +163,8 @@ void WaylandConnection::bind(std::uint32_t name, const char* interface, std::uin
     const std::string_view offered = interface;
     auto* const registry = m_registry.get();
     const auto take = [&](auto& handle, const wl_interface& known, std::uint32_t newest) {
-        if (offered == known.name)
+        // Once: the render thread may be using what there is.
+        if (offered == known.name && !handle)
             bindTo(handle, registry, name, known, std::min(version, newest));
     };
     take(m_compositor, wl_compositor_interface, 4);
@@ -173,17 +180,18 @@ void WaylandConnection::bind(std::uint32_t name, const char* interface, std::uin
     if (offered == wl_output_interface.name) {
         WaylandHandle<wl_output> output;
         take(output, wl_output_interface, 4);
-        m_outputs.push_back(std::make_unique<WaylandOutput>(
-            std::move(output), name, m_logicalOutputs.get(), [this] { Q_EMIT outputsChanged(); }));
+        auto& added = m_outputs.emplace_back(std::make_unique<WaylandOutput>(
+            std::move(output), name, [this] { Q_EMIT outputsChanged(); }));
+        added->askForLogicalFrame(m_logicalOutputs.get());
     }
 }
 
-std::vector<WaylandHandle<wl_seat>> WaylandConnection::takeNewSeats()
+std::vector<WaylandConnection::Seat> WaylandConnection::takeNewSeats()
 {
     constexpr std::uint32_t newest = 5;
-    std::vector<WaylandHandle<wl_seat>> seats;
+    std::vector<Seat> seats;
     for (const auto& [name, version] : std::exchange(m_newSeats, {}))
-        bindTo(seats.emplace_back(),
+        bindTo(seats.emplace_back(Seat{name, nullptr}).proxy,
             m_registry.get(),
             name,
             wl_seat_interface,
@@ -197,6 +205,7 @@ void WaylandConnection::remove(std::uint32_t name)
         m_outputs, [name](const auto& output) { return output->globalName() == name; });
     if (count > 0)
         Q_EMIT outputsChanged();
+    Q_EMIT seatGone(name); // if it was one
 }
 
 void WaylandConnection::startReading()

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QSocketNotifier>
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -20,9 +21,9 @@ public:
         Outcome outcome;
         std::unique_ptr<WaylandConnection> connection; ///< null unless connected
     };
-    /// The compositor that WAYLAND_DISPLAY names. Waits until it has said what it offers, but not
-    /// for one that does not answer. Needs an application object.
-    static Attempt open();
+    /// The compositor that WAYLAND_DISPLAY names. Waits until it has said what it offers, but for
+    /// each of two answers no longer than `patience`. Needs an application object.
+    static Attempt open(std::chrono::milliseconds patience = std::chrono::seconds(1));
 
     /// Whether WAYLAND_DISPLAY names one that answers. May be asked before there is an application
     /// object.
@@ -44,7 +45,11 @@ public:
     const std::vector<std::unique_ptr<WaylandOutput>>& outputs() const { return m_outputs; }
     /// The seats that have come since this was called last. They tell what they have only once,
     /// soon: whoever takes them has to listen at once.
-    std::vector<WaylandHandle<wl_seat>> takeNewSeats();
+    struct Seat {
+        std::uint32_t name; ///< the registry's
+        WaylandHandle<wl_seat> proxy;
+    };
+    std::vector<Seat> takeNewSeats();
 
     void followDispatcher();
     /// Destroys a surface that is not used any more when the compositor has said all about it:
@@ -57,13 +62,14 @@ Q_SIGNALS:
     /// An output came, went, or is another now.
     void outputsChanged();
     void seatsCame();
+    void seatGone(quint32 name);
     /// The compositor has gone, or does not want us any more.
     void lost();
 
 private:
     static const wl_registry_listener registryListener;
 
-    Outcome askWhatThereIs();
+    Outcome askWhatThereIs(std::chrono::milliseconds patience);
     void bind(std::uint32_t name, const char* interface, std::uint32_t version);
     void remove(std::uint32_t name);
     void startReading();

@@ -1,6 +1,10 @@
 #include "platform/linux/display/wayland/WaylandCpuPresenter.h"
 
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+
 #include <algorithm>
+#include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
@@ -16,14 +20,23 @@ public:
     static std::unique_ptr<Slot> create(wl_shm& shm, const QSize& size)
     {
         auto memory = CanvasMemory::create(size);
-        return memory ? std::make_unique<Slot>(shm, std::move(memory)) : nullptr;
+        if (!memory)
+            return nullptr;
+        // libwayland gives up the connection when it cannot make a copy of the descriptor.
+        const int descriptor = memory->takeDescriptor();
+        const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+        if (copy >= 0)
+            close(copy);
+        auto slot = copy < 0 ? nullptr : std::make_unique<Slot>(shm, std::move(memory), descriptor);
+        close(descriptor);
+        return slot;
     }
 
-    Slot(wl_shm& shm, std::unique_ptr<CanvasMemory> memory) : m_memory(std::move(memory))
+    /// The descriptor stays the caller's.
+    Slot(wl_shm& shm, std::unique_ptr<CanvasMemory> memory, int descriptor)
+        : m_memory(std::move(memory)),
+          m_pool(wl_shm_create_pool(&shm, descriptor, static_cast<int>(m_memory->byteCount())))
     {
-        const int descriptor = m_memory->takeDescriptor();
-        m_pool.reset(wl_shm_create_pool(&shm, descriptor, static_cast<int>(m_memory->byteCount())));
-        close(descriptor); // libwayland has made a copy of it
     }
 
     CanvasMemory& memory() { return *m_memory; }
@@ -124,8 +137,7 @@ public:
         : m_target(target),
           m_surface(std::static_pointer_cast<WaylandSurface>(target.surface)),
           m_canvas(canvas),
-          m_visible(target.visiblePixels()),
-          m_part(m_visible.translated(-target.pixelRectangle().topLeft()))
+          m_part(target.visiblePixels().translated(-target.pixelRectangle().topLeft()))
     {
         m_canvas.addTarget();
         m_surface->withSurface(
@@ -165,8 +177,7 @@ private:
     FrameTarget m_target;
     std::shared_ptr<WaylandSurface> m_surface;
     Canvas& m_canvas;
-    QRect m_visible;                            // in the surface
-    QRect m_part;                               // the same in the canvas
+    QRect m_part; // in the canvas; views begin at the window's upper left or outside
     WaylandWrapper<wl_surface> m_wrapper;       // so that callbacks come to the render thread
     WaylandHandle<wl_callback> m_frameCallback; // until the compositor wants the next picture
     Generation m_shown = 0;
@@ -205,12 +216,25 @@ void WaylandCpuPresenter::endWait(bool isReadable)
 {
     if (!std::exchange(m_isReading, false))
         return;
-    if (isReadable)
+    if (isReadable) {
         wl_display_read_events(&m_display);
-    else
+        wakeMainThread();
+    } else {
         wl_display_cancel_read(&m_display);
+    }
     wl_display_dispatch_queue_pending(&m_display, m_queue.get());
     catchUp();
+}
+
+/// Where events of its own were among those that have just been read: it may sleep already, and the
+/// descriptor does not tell of them any more.
+void WaylandCpuPresenter::wakeMainThread()
+{
+    if (wl_display_prepare_read(&m_display) == 0)
+        wl_display_cancel_read(&m_display);
+    else if (auto* const dispatcher =
+                 QAbstractEventDispatcher::instance(QCoreApplication::instance()->thread()))
+        dispatcher->wakeUp();
 }
 
 void WaylandCpuPresenter::setTargets(const std::vector<FrameTarget>& targets)
@@ -251,9 +275,10 @@ bool WaylandCpuPresenter::isBehind() const
 }
 
 template <typename Paint>
-void WaylandCpuPresenter::drawCanvases(const Paint& paint)
+bool WaylandCpuPresenter::drawCanvases(const Paint& paint)
 {
     ++m_drawn;
+    bool hasDrawn = false;
     for (const auto& canvas : m_canvases) {
         const bool isWanted = std::ranges::any_of(m_targets, [&](const auto& target) {
             return target->isFollowing() && &target->canvas() == canvas.get();
@@ -263,15 +288,17 @@ void WaylandCpuPresenter::drawCanvases(const Paint& paint)
         if (auto* const slot = canvas->freeSlot()) {
             paint(slot->memory());
             canvas->setLatest(*slot, m_drawn);
+            hasDrawn = true;
         } else {
             canvas->passOver(m_drawn);
         }
     }
+    return hasDrawn;
 }
 
-void WaylandCpuPresenter::draw(mpv_render_context& context)
+bool WaylandCpuPresenter::draw(mpv_render_context& context)
 {
-    drawCanvases([&context](CanvasMemory& memory) {
+    return drawCanvases([&context](CanvasMemory& memory) {
         CpuDrawing::draw(context, memory.size(), memory.stride(), memory.pixels());
     });
 }

@@ -32,7 +32,7 @@ public:
     bool hasTargets() const override { return !m_targets.empty(); }
     bool isReady() const override;
     bool isBehind() const override;
-    void draw(mpv_render_context& context) override;
+    bool draw(mpv_render_context& context) override;
     void clear() override;
     void present() override;
 
@@ -46,7 +46,8 @@ private:
     using Generation = std::uint64_t; // of pictures; 0 for none
 
     template <typename Paint>
-    void drawCanvases(const Paint& paint);
+    bool drawCanvases(const Paint& paint);
+    void wakeMainThread();
     void catchUp();
 
     wl_display& m_display;

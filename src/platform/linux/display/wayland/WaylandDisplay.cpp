@@ -12,7 +12,14 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto attemptInterval = 500ms;
+constexpr std::chrono::milliseconds attemptInterval = 500ms;
+constexpr std::chrono::milliseconds longestInterval = 8s;
+constexpr std::chrono::milliseconds shortestGoodConnection = 2s;
+/// The main thread waits for the answers.
+constexpr auto shortPatience = 100ms;
+/// Looking for other wallpapers: they start with the session, and people end them when told to.
+constexpr auto often = 3s;
+constexpr auto rarely = 64s;
 
 } // namespace
 
@@ -21,10 +28,11 @@ WaylandDisplay::WaylandDisplay(std::unique_ptr<WaylandConnection> connection)
     m_nextAttempt.setInterval(attemptInterval);
     connect(&m_nextAttempt, &QTimer::timeout, this, &WaylandDisplay::connectAgain);
     m_lookForOthers.setSingleShot(true);
-    m_lookForOthers.setInterval(3s);
     connect(&m_lookForOthers, &QTimer::timeout, this, [this] {
-        if (m_other = OtherWallpapers::running(); !m_other.isEmpty())
+        const auto former = std::exchange(m_otherWallpaper, OtherWallpapers::running());
+        if (m_otherWallpaper != former)
             Q_EMIT problemChanged();
+        m_lookForOthers.start(m_otherWallpaper.isEmpty() ? rarely : often);
     });
     take(std::move(connection));
 }
@@ -34,32 +42,36 @@ WaylandDisplay::~WaylandDisplay() = default;
 void WaylandDisplay::take(std::unique_ptr<WaylandConnection> connection)
 {
     m_connection = std::move(connection);
+    m_connectedTime.start();
     connect(
         m_connection.get(), &WaylandConnection::outputsChanged, this, &WaylandDisplay::readOutputs);
     connect(m_connection.get(), &WaylandConnection::lost, this, &WaylandDisplay::lose);
     connect(m_connection.get(), &WaylandConnection::seatsCame, this, &WaylandDisplay::takeSeats);
+    connect(m_connection.get(), &WaylandConnection::seatGone, this, [this](quint32 name) {
+        m_inputs.erase(name);
+    });
     takeSeats();
     readOutputs();
-    m_other.clear();
-    m_lookForOthers.start();
+    m_otherWallpaper.clear();
+    m_lookForOthers.start(often);
 }
 
 void WaylandDisplay::takeSeats()
 {
-    for (auto& seat : m_connection->takeNewSeats())
-        m_inputs.push_back(std::make_unique<WaylandInput>(*m_connection,
+    for (auto& [name, seat] : m_connection->takeNewSeats())
+        m_inputs[name] = std::make_unique<WaylandInput>(*m_connection,
             std::move(seat),
-            [this](const wl_surface* surface) { return windowOf(surface); }));
+            [this](const wl_surface* surface) { return windowOf(surface); });
 }
 
 QString WaylandDisplay::problem() const
 {
     if (!m_connection)
         return u"The Wayland compositor has closed the connection; waiting for it."_s;
-    return m_other.isEmpty()
+    return m_otherWallpaper.isEmpty()
                ? QString()
                : u"%1 runs as well, and what it shows may lie in front of the wallpaper."_s.arg(
-                     m_other);
+                     m_otherWallpaper);
 }
 
 void WaylandDisplay::followDispatcher()
@@ -75,14 +87,18 @@ void WaylandDisplay::lose()
     for (auto* const window : m_windows)
         window->detach();
     m_inputs.clear();
-    lost.reset();
-    m_nextAttempt.start();
+    lost.release()->deleteLater(); // it is in the middle of saying so
+    // One that is lost as soon as it is there is not asked for again and again.
+    const bool wasGood = m_connectedTime.hasExpired(shortestGoodConnection.count());
+    m_nextAttempt.start(wasGood
+                            ? attemptInterval
+                            : std::min(2 * m_nextAttempt.intervalAsDuration(), longestInterval));
     Q_EMIT problemChanged();
 }
 
 void WaylandDisplay::connectAgain()
 {
-    auto connection = WaylandConnection::open().connection;
+    auto connection = WaylandConnection::open(shortPatience).connection;
     if (!connection)
         return;
     m_nextAttempt.stop();
@@ -118,19 +134,24 @@ void WaylandDisplay::placeWindows()
     m_connection->flush();
 }
 
-/// By its name, or after a restart of the compositor by its place.
+/// The one of that name in that place, else in that place (after a restart of the compositor names
+/// may be others, and outputs may change places), else of that name (it has another mode).
 const WaylandOutput* WaylandDisplay::outputFor(const Screen& screen) const
 {
-    const auto find = [&](auto isIt) -> const WaylandOutput* {
-        const auto& outputs = m_connection->outputs();
-        const auto found = std::ranges::find_if(outputs,
-            [&](const auto& output) { return output->isKnown() && isIt(output->screen()); });
-        return found == outputs.end() ? nullptr : found->get();
-    };
-    const auto* const named =
-        find([&](const Screen& candidate) { return candidate.name == screen.name; });
-    return named ? named
-                 : find([&](const Screen& candidate) { return candidate.frame == screen.frame; });
+    const WaylandOutput* placed = nullptr;
+    const WaylandOutput* named = nullptr;
+    for (const auto& output : m_connection->outputs()) {
+        if (!output->isKnown())
+            continue;
+        const auto candidate = output->screen();
+        if (candidate == screen)
+            return output.get();
+        if (candidate.frame == screen.frame)
+            placed = output.get();
+        if (candidate.name == screen.name)
+            named = output.get();
+    }
+    return placed ? placed : named;
 }
 
 WaylandWindow* WaylandDisplay::windowOf(const wl_surface* surface) const

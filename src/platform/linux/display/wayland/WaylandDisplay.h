@@ -5,8 +5,10 @@
 #include "platform/linux/display/wayland/WaylandInput.h"
 #include "platform/linux/display/wayland/WaylandWindow.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -40,10 +42,11 @@ private:
     WaylandWindow* windowOf(const wl_surface* surface) const;
 
     std::unique_ptr<WaylandConnection> m_connection; // null while the compositor is away
-    std::vector<std::unique_ptr<WaylandInput>> m_inputs;
+    std::map<std::uint32_t, std::unique_ptr<WaylandInput>> m_inputs; // by their seats' names
     std::vector<Screen> m_screens; // those of the latest connection
     std::vector<WaylandWindow*> m_windows;
+    QElapsedTimer m_connectedTime;
     QTimer m_nextAttempt;
-    QTimer m_lookForOthers; // once they have had the time to start with the session
-    QString m_other;        // another program that shows a wallpaper
+    QTimer m_lookForOthers;
+    QString m_otherWallpaper;
 };

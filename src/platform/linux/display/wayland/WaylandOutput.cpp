@@ -62,14 +62,16 @@ const zxdg_output_v1_listener WaylandOutput::logicalListener{
     [](void* /*self*/, zxdg_output_v1* /*proxy*/, const char* /*description*/) {},
 };
 
-WaylandOutput::WaylandOutput(WaylandHandle<wl_output> output,
-    std::uint32_t globalName,
-    zxdg_output_manager_v1* manager,
-    std::function<void()> changed)
+WaylandOutput::WaylandOutput(
+    WaylandHandle<wl_output> output, std::uint32_t globalName, std::function<void()> changed)
     : m_output(std::move(output)), m_globalName(globalName), m_changed(std::move(changed))
 {
     wl_output_add_listener(m_output.get(), &outputListener, this);
-    if (!manager)
+}
+
+void WaylandOutput::askForLogicalFrame(zxdg_output_manager_v1* manager)
+{
+    if (!manager || m_logical)
         return;
     m_logical.reset(zxdg_output_manager_v1_get_xdg_output(manager, m_output.get()));
     zxdg_output_v1_add_listener(m_logical.get(), &logicalListener, this);

@@ -8,12 +8,11 @@
 /// One monitor of the compositor.
 class WaylandOutput {
 public:
-    /// `manager` may be null. `changed` is called when all about it is known, and after each
-    /// change.
-    WaylandOutput(WaylandHandle<wl_output> output,
-        std::uint32_t globalName,
-        zxdg_output_manager_v1* manager,
-        std::function<void()> changed);
+    /// `changed` is called when all about it is known, and after each change.
+    WaylandOutput(
+        WaylandHandle<wl_output> output, std::uint32_t globalName, std::function<void()> changed);
+    /// Does nothing with a null manager, and when it has been asked for.
+    void askForLogicalFrame(zxdg_output_manager_v1* manager);
 
     std::uint32_t globalName() const { return m_globalName; }
     wl_output* proxy() const { return m_output.get(); }

@@ -105,11 +105,12 @@ void WaylandWindow::dropSurface()
     m_retry.stop();
     if (!m_surface)
         return;
+    auto surface = m_surface->end(); // first: the render thread may be about to use it
+    m_surface.reset();
     m_fraction.reset();
     m_viewport.reset();
     m_layerSurface.reset();
-    m_connection->retire(m_surface->end());
-    m_surface.reset();
+    m_connection->retire(std::move(surface));
     m_wlSurface = nullptr;
     m_size = {};
     m_preferred = 0;
@@ -132,14 +133,16 @@ void WaylandWindow::configure(std::uint32_t serial, const QSize& size)
 /// Takes effect with the next picture.
 void WaylandWindow::describeSize()
 {
-    if (m_viewport)
-        wp_viewport_set_destination(m_viewport.get(), m_size.width(), m_size.height());
-    else
-        wl_surface_set_buffer_scale(m_wlSurface, m_output->integerScale());
-    const WaylandHandle<wl_region> everything(
-        wl_compositor_create_region(m_connection->compositor()));
-    wl_region_add(everything.get(), 0, 0, m_size.width(), m_size.height());
-    wl_surface_set_opaque_region(m_wlSurface, everything.get());
+    m_surface->withSurface([this](wl_surface* surface) {
+        if (m_viewport)
+            wp_viewport_set_destination(m_viewport.get(), m_size.width(), m_size.height());
+        else
+            wl_surface_set_buffer_scale(surface, m_output->integerScale());
+        const WaylandHandle<wl_region> everything(
+            wl_compositor_create_region(m_connection->compositor()));
+        wl_region_add(everything.get(), 0, 0, m_size.width(), m_size.height());
+        wl_surface_set_opaque_region(surface, everything.get());
+    });
 }
 
 void WaylandWindow::updateScale()

@@ -30,7 +30,7 @@ public:
     /// The output may have another scale.
     void updateScale();
 
-    bool isSurface(const wl_surface* surface) const { return m_wlSurface == surface; }
+    bool isSurface(const wl_surface* surface) const { return surface && m_wlSurface == surface; }
     WindowViews* receiver() const { return views(); }
 
     void commit(const WindowState& wish, bool isOrderedAnew) override;

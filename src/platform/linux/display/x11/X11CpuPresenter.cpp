@@ -89,12 +89,13 @@ void X11CpuPresenter::setTargets(const std::vector<FrameTarget>& targets)
     xcb_flush(m_connection.get());
 }
 
-void X11CpuPresenter::draw(mpv_render_context& context)
+bool X11CpuPresenter::draw(mpv_render_context& context)
 {
     for (const auto& canvas : m_canvases) {
         auto& memory = canvas->memory();
         CpuDrawing::draw(context, memory.size(), memory.stride(), memory.pixels());
     }
+    return true; // there is a canvas for each target
 }
 
 void X11CpuPresenter::clear()

@@ -26,7 +26,7 @@ public:
     bool hasTargets() const override { return !m_targets.empty(); }
     bool isReady() const override { return m_unconfirmedPictures == 0; }
     bool isBehind() const override { return false; }
-    void draw(mpv_render_context& context) override;
+    bool draw(mpv_render_context& context) override;
     void clear() override;
     void present() override;
 
