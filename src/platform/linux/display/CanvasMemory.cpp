@@ -8,13 +8,20 @@
 #include <unistd.h>
 #include <utility>
 
+namespace {
+
+/// More than any desktop has, and less than the 2 GiB where Wayland's pools end.
+constexpr std::size_t mostBytes = 1U << 30U;
+
+} // namespace
+
 std::unique_ptr<CanvasMemory> CanvasMemory::create(const QSize& size)
 {
     std::unique_ptr<CanvasMemory> memory(
         new CanvasMemory(size, memfd_create("tavelor-canvas", MFD_CLOEXEC)));
     const auto byteCount = memory->byteCount();
     // Reserved and not only promised: a picture that does not fit fails here, not while drawing.
-    if (memory->m_descriptor < 0 ||
+    if (memory->m_descriptor < 0 || byteCount > mostBytes ||
         posix_fallocate(memory->m_descriptor, 0, static_cast<off_t>(byteCount)) != 0)
         return nullptr;
     auto* const pixels =

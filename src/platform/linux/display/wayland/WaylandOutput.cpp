@@ -95,5 +95,9 @@ double WaylandOutput::scale() const
     const auto logicalWidth = screen().frame.width();
     if (logicalWidth <= 0 || m_mode.isEmpty())
         return m_scale;
-    return static_cast<double>(deviceSize().width()) / logicalWidth;
+    // Some compositors tell of a new mode before they tell of its logical size. The integer scale
+    // is never less than the real one; without it a small mode that becomes a large one would
+    // give hundreds, and a picture that fills the memory.
+    const auto ratio = static_cast<double>(deviceSize().width()) / logicalWidth;
+    return std::min(ratio, static_cast<double>(m_scale));
 }

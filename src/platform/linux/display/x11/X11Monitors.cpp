@@ -49,7 +49,8 @@ std::vector<Screen> X11Monitors::read(X11Connection& x11)
         pending.push_back(
             {xcb_get_atom_name(x11.get(), information.name), frame, information.primary != 0});
     }
-    std::ranges::stable_partition(pending, &Pending::isPrimary);
+    std::stable_partition(
+        pending.begin(), pending.end(), [](const Pending& monitor) { return monitor.isPrimary; });
 
     std::vector<Screen> monitors;
     for (const auto& [cookie, frame, isPrimary] : pending) {
