@@ -26,6 +26,9 @@ public:
 
 Q_SIGNALS:
     void statusChanged(PlayerItem::Status status);
+    /// The player is about to open the file. It may do so later than it gets the item: while there
+    /// is no display it opens none.
+    void openingBegan();
 
     /// \name Between an item and the player that it belongs to
     /// @{

@@ -102,9 +102,11 @@ std::unique_ptr<PlayerItem> PlayList::openPlayable()
         const auto url = videoUrl(video.url);
         if (url && videoFileExists(*url) && !m_openings.isSuspect(video.sign) &&
             !m_failedFiles.contains(url->toLocalFile())) {
-            m_openings.begin(video.sign);
+            auto item = std::make_unique<PlayerItem>(*url);
+            const auto begin = [this, sign = video.sign] { m_openings.begin(sign); };
+            connect(item.get(), &PlayerItem::openingBegan, this, begin, Qt::SingleShotConnection);
             m_openingTime.stop();
-            return std::make_unique<PlayerItem>(*url);
+            return item;
         }
         m_videoList.advance();
     }

@@ -167,9 +167,11 @@ void Player::replaceCurrentItem(std::unique_ptr<PlayerItem> item)
         m_body->item.release()->deleteLater();
     m_body->item = std::move(item);
     record(u"item "_s + (m_body->item ? m_body->item->url().fileName() : u"none"_s));
-    if (auto* const current = currentItem())
+    if (auto* const current = currentItem()) {
         QObject::connect(
             current, &PlayerItem::seekToZeroRequested, current, [] { record(u"item seek 0"_s); });
+        Q_EMIT current->openingBegan();
+    }
 }
 
 PlayerItem* Player::currentItem() const

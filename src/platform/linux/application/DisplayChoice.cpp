@@ -24,8 +24,14 @@ void readRendererWish()
 
 bool DisplayChoice::isAnyThere()
 {
+    if (WaylandConnection::isThere())
+        return true;
     const X11ConnectionHandle x11(xcb_connect(nullptr, nullptr));
-    return !xcb_connection_has_error(x11.get()) || WaylandConnection::isThere();
+    if (xcb_connection_has_error(x11.get()))
+        return false;
+    // Qt would wait for ever for a compositor that accepts a connection and does not answer.
+    qunsetenv("WAYLAND_DISPLAY");
+    return true;
 }
 
 std::unique_ptr<DisplayServer> DisplayChoice::make()

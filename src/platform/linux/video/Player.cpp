@@ -223,6 +223,7 @@ void Player::Body::load()
     }
     if (!m_canPresent)
         return; // it is loaded when the display is there
+    Q_EMIT m_item->openingBegan();
     Mpv::command(m_core.get(), {"loadfile", QFile::encodeName(path).constData()}, m_request);
 }
 
