@@ -23,38 +23,26 @@ struct WaylandDeleter {
     void operator()(wl_surface* surface) const { wl_surface_destroy(surface); }
     void operator()(wl_output* output) const
     {
-        if (wl_output_get_version(output) >= WL_OUTPUT_RELEASE_SINCE_VERSION)
-            wl_output_release(output);
-        else
-            wl_output_destroy(output);
+        end(output, WL_OUTPUT_RELEASE_SINCE_VERSION, wl_output_release, wl_output_destroy);
     }
     void operator()(wl_seat* seat) const
     {
-        if (wl_seat_get_version(seat) >= WL_SEAT_RELEASE_SINCE_VERSION)
-            wl_seat_release(seat);
-        else
-            wl_seat_destroy(seat);
+        end(seat, WL_SEAT_RELEASE_SINCE_VERSION, wl_seat_release, wl_seat_destroy);
     }
     void operator()(wl_pointer* pointer) const
     {
-        if (wl_pointer_get_version(pointer) >= WL_POINTER_RELEASE_SINCE_VERSION)
-            wl_pointer_release(pointer);
-        else
-            wl_pointer_destroy(pointer);
+        end(pointer, WL_POINTER_RELEASE_SINCE_VERSION, wl_pointer_release, wl_pointer_destroy);
     }
     void operator()(wl_touch* touch) const
     {
-        if (wl_touch_get_version(touch) >= WL_TOUCH_RELEASE_SINCE_VERSION)
-            wl_touch_release(touch);
-        else
-            wl_touch_destroy(touch);
+        end(touch, WL_TOUCH_RELEASE_SINCE_VERSION, wl_touch_release, wl_touch_destroy);
     }
     void operator()(zwlr_layer_shell_v1* shell) const
     {
-        if (zwlr_layer_shell_v1_get_version(shell) >= ZWLR_LAYER_SHELL_V1_DESTROY_SINCE_VERSION)
-            zwlr_layer_shell_v1_destroy(shell);
-        else
-            wl_proxy_destroy(reinterpret_cast<wl_proxy*>(shell));
+        end(shell,
+            ZWLR_LAYER_SHELL_V1_DESTROY_SINCE_VERSION,
+            zwlr_layer_shell_v1_destroy,
+            [](auto* proxy) { wl_proxy_destroy(reinterpret_cast<wl_proxy*>(proxy)); });
     }
     void operator()(zwlr_layer_surface_v1* surface) const
     {
@@ -72,6 +60,17 @@ struct WaylandDeleter {
         zxdg_output_manager_v1_destroy(manager);
     }
     void operator()(zxdg_output_v1* output) const { zxdg_output_v1_destroy(output); }
+
+private:
+    /// Tells the compositor where the version has a request for that.
+    template <typename Type>
+    static void end(Type* proxy, std::uint32_t since, auto release, auto destroy)
+    {
+        if (wl_proxy_get_version(reinterpret_cast<wl_proxy*>(proxy)) >= since)
+            release(proxy);
+        else
+            destroy(proxy);
+    }
 };
 
 template <typename Type>
