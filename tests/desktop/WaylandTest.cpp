@@ -81,6 +81,7 @@ private Q_SLOTS:
         QTest::addColumn<QString>("output");
         QTest::newRow("of scale 1") << u"mode --custom 1280x720"_s;
         QTest::newRow("of scale 2") << u"mode --custom 1280x720 scale 2"_s;
+        QTest::newRow("of scale 1.25") << u"mode --custom 1280x720 scale 1.25"_s; // 1024 by 576
     }
 
     /// Columns of one pixel each, black and white, survive no scaling.
