@@ -226,6 +226,7 @@ void X11DesktopWindow::handle(const xcb_generic_event_t& event)
     switch (event.response_type & 0x7f) {
     case XCB_EXPOSE: {
         const auto& area = reinterpret_cast<const xcb_expose_event_t&>(event);
+        m_occlusion.noteExposed(m_window);
         views()->expose({area.x, area.y, area.width, area.height});
         break;
     }
@@ -301,6 +302,8 @@ void X11DesktopWindow::moveTo(const QRect& frame)
 
 FrameTarget X11DesktopWindow::target(const QRect& viewFrame) const
 {
+    if (!m_isMapped || m_isCovered)
+        return {}; // nobody would see it
     return {m_surface, m_committed.frame.size(), viewFrame, 1};
 }
 
@@ -329,7 +332,12 @@ void X11DesktopWindow::map()
     // Below everything from the first moment; who maps in front is raised afterwards.
     restack(StackingOrder::Back);
     xcb_map_window(m_connection.get(), m_window);
-    m_shown = m_occlusion.add(m_window);
+    m_isCovered = false;
+    m_shown = m_occlusion.add(m_window, [this](bool isCovered) {
+        m_isCovered = isCovered;
+        tellTargetChange();
+    });
+    tellTargetChange();
 }
 
 /// Each time anew: window managers remove these properties when a window is withdrawn.
@@ -364,6 +372,7 @@ void X11DesktopWindow::unmap()
 {
     m_isMapped = false;
     m_shown.reset();
+    tellTargetChange();
     xcb_unmap_window(m_connection.get(), m_window);
     if (!m_isManaged)
         return;

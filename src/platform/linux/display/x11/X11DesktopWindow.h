@@ -45,6 +45,7 @@ private:
     std::shared_ptr<X11Surface> m_surface;
     WindowState m_committed;
     bool m_isMapped = false;
+    bool m_isCovered = false;
     bool m_isManaged = false;          // as it was last mapped
     std::optional<Disposable> m_shown; // while mapped
     std::optional<Disposable> m_events;
