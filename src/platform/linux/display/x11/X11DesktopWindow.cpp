@@ -150,6 +150,7 @@ void X11DesktopWindow::handle(const xcb_generic_event_t& event)
         break;
     case XCB_UNMAP_NOTIFY: // also by a window manager that shows the bare desktop, or reparents
         m_shown.reset();
+        tellTargetChange();
         break;
     case XCB_PROPERTY_NOTIFY:
         if (m_withdrawal.isActive() &&
@@ -169,6 +170,7 @@ void X11DesktopWindow::handleForViews(const xcb_generic_event_t& event)
     switch (event.response_type & 0x7f) {
     case XCB_EXPOSE: {
         const auto& area = reinterpret_cast<const xcb_expose_event_t&>(event);
+        m_services.occlusion.noteExposed(m_window);
         views()->expose({area.x, area.y, area.width, area.height});
         break;
     }
@@ -236,6 +238,8 @@ void X11DesktopWindow::moveTo(const QRect& frame)
 
 FrameTarget X11DesktopWindow::target(const QRect& viewFrame) const
 {
+    if (!m_shown || m_isCovered)
+        return {}; // nobody would see it
     return {m_surface, m_committed.frame.size(), viewFrame, 1};
 }
 
@@ -287,8 +291,14 @@ void X11DesktopWindow::map()
 
 void X11DesktopWindow::noteShown()
 {
-    m_shown = m_services.occlusion.add(m_window);
+    m_isCovered = false;
+    m_shown.reset();
+    m_shown = m_services.occlusion.add(m_window, [this](bool isCovered) {
+        m_isCovered = isCovered;
+        tellTargetChange();
+    });
     letInputThrough(m_placement == Placement::InFront);
+    tellTargetChange();
 }
 
 /// In front of another program's desktop, whose menus and icons shall be used as ever. Only while
@@ -383,6 +393,7 @@ void X11DesktopWindow::unmap()
     m_isMapped = false;
     m_shown.reset();
     m_listening.reset();
+    tellTargetChange();
     xcb_unmap_window(m_connection.get(), m_window);
     if (!m_isManaged)
         return;
