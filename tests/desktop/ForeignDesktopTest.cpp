@@ -47,13 +47,14 @@ private Q_SLOTS:
         if (isFirst)
             startProgram(look);
         start(seen);
+        const auto window = m_desktop->openWindow(X11Desktop::WindowKind::Ordinary, Qt::blue);
+        QTRY_COMPARE(m_desktop->leftColour(), u"blue"_s);
         if (!isFirst)
             startProgram(look);
 
         QTest::qWait(1000); // whatever is decided has been by then
         QTRY_COMPARE(m_desktop->rightColour(), seen);
-        const auto window = m_desktop->openWindow(X11Desktop::WindowKind::Ordinary, Qt::blue);
-        QTRY_COMPARE(m_desktop->leftColour(), u"blue"_s);
+        QCOMPARE(m_desktop->leftColour(), u"blue"_s);
         m_desktop->closeWindow(window);
         QTRY_COMPARE(m_desktop->leftColour(), seen);
     }
@@ -108,9 +109,8 @@ private Q_SLOTS:
         // When it stays away the wallpaper is an ordinary desktop again.
         m_program.reset();
         const auto desktopType = m_desktop->atom("_NET_WM_WINDOW_TYPE_DESKTOP");
-        const QByteArray expected(reinterpret_cast<const char*>(&desktopType), sizeof desktopType);
         QTRY_COMPARE_WITH_TIMEOUT(
-            m_desktop->property(window, "_NET_WM_WINDOW_TYPE"), expected, 10'000);
+            m_desktop->property(window, "_NET_WM_WINDOW_TYPE"), bytes(desktopType), 10'000);
         QTRY_COMPARE(m_desktop->rightColour(), u"red"_s);
     }
 
@@ -190,6 +190,25 @@ private Q_SLOTS:
         QTRY_COMPARE(colours(), u"magenta red"_s);
     }
 
+    void cinnamonsIcons_areSeenWhicheverCameFirst()
+    {
+        makeDesktop();
+        m_desktop->pretendCompositing();
+        m_desktop->renameWindowManager("Mutter (Muffin)");
+        start();
+        // Its program for the icons ends when another window has the type desktop.
+        const auto desktopType = m_desktop->atom("_NET_WM_WINDOW_TYPE_DESKTOP");
+        const auto window = m_desktop->windowNamed(u"TavelorHelper"_s);
+        QVERIFY(m_desktop->property(window, "_NET_WM_WINDOW_TYPE") != bytes(desktopType));
+
+        startProgram({.left = Qt::transparent, .right = Qt::transparent, .hasAlpha = true});
+        m_program->drawIcon({180, 180, 40, 40}, Qt::magenta);
+        m_program->drawIcon({1060, 180, 40, 40}, QColor(0, 0, 0, 60)); // a shadow
+        QTRY_COMPARE(colours(), u"magenta red"_s);
+        m_program->removeIcon({180, 180, 40, 40});
+        QTRY_COMPARE(colours(), u"red red"_s);
+    }
+
     void iconsHiddenOnATransparentDesktop_leaveItItsMenu()
     {
         makeDesktop();
@@ -267,6 +286,10 @@ private:
         QTRY_VERIFY(m_host->hasEntry(u"Hide Desktop Icon"_s));
     }
     QString colours() const { return m_desktop->leftColour() + u' ' + m_desktop->rightColour(); }
+    static QByteArray bytes(xcb_atom_t value)
+    {
+        return {reinterpret_cast<const char*>(&value), sizeof value};
+    }
     QByteArray errors() { return m_errors += m_helper->process().readAllStandardError(); }
     int unmapCount() const
     {

@@ -181,6 +181,20 @@ std::pair<std::uint8_t, xcb_visualid_t> X11Desktop::visual(bool hasAlpha) const
     return {depth.data->depth, xcb_depth_visuals(depth.data)->visual_id};
 }
 
+void X11Desktop::renameWindowManager(const QByteArray& name) const
+{
+    const auto check = property(root(), "_NET_SUPPORTING_WM_CHECK");
+    xcb_change_property(connection(),
+        XCB_PROP_MODE_REPLACE,
+        *reinterpret_cast<const xcb_window_t*>(check.constData()),
+        atom("_NET_WM_NAME"),
+        atom("UTF8_STRING"),
+        8,
+        static_cast<std::uint32_t>(name.size()),
+        name.constData());
+    xcb_flush(connection());
+}
+
 void X11Desktop::pretendCompositing() const
 {
     const auto owner = xcb_generate_id(connection());

@@ -60,6 +60,8 @@ public:
     void requestDesktop(std::uint32_t number) const { ask(root(), "_NET_CURRENT_DESKTOP", number); }
     /// Hides all windows but those of type desktop, or shows them again.
     void showDesktop(bool isShown) const { ask(root(), "_NET_SHOWING_DESKTOP", isShown ? 1 : 0); }
+    /// Makes the window manager one of another name, as far as others can tell.
+    void renameWindowManager(const QByteArray& name) const;
     /// Claims that a compositing manager runs.
     void pretendCompositing() const;
     /// Of every window that is managed.
