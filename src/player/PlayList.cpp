@@ -47,10 +47,15 @@ void PlayList::reload(VideoPlayerPlayModel playModel, const std::optional<QStrin
     m_videoList.moveToSign(sign);
 }
 
+const VideoDetail* PlayList::current() const
+{
+    const auto* const node = m_videoList.current();
+    return node ? &node->val : nullptr;
+}
+
 std::optional<QString> PlayList::currentSign() const
 {
-    const auto* const current = m_videoList.current();
-    return current ? std::optional(current->val.sign) : std::nullopt;
+    return current() ? std::optional(current()->sign) : std::nullopt;
 }
 
 bool PlayList::advance()

@@ -31,7 +31,8 @@ public:
     void reload(VideoPlayerPlayModel playModel, const std::optional<QString>& sign);
     bool isUnread() const { return m_isUnread; }
 
-    /// None for an empty list.
+    /// Null for an empty list.
+    const VideoDetail* current() const;
     std::optional<QString> currentSign() const;
     /// False at the end of the list, where the cursor stays.
     bool advance();

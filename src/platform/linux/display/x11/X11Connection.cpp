@@ -3,6 +3,7 @@
 #include <QAbstractEventDispatcher>
 
 #include <xcb/randr.h>
+#include <xcb/screensaver.h>
 #include <xcb/xinput.h>
 
 #include <utility>
@@ -90,6 +91,7 @@ X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
         XCB_EVENT_MASK_STRUCTURE_NOTIFY; // told of the root window's size and of set monitors
     xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &events);
     followMonitors();
+    followScreenSaver();
 
     connect(&m_notifier, &QSocketNotifier::activated, this, &X11Connection::processEvents);
     // Waiting for a reply may read events into xcb's own queue, where no descriptor tells of them.
@@ -110,6 +112,15 @@ void X11Connection::followMonitors()
         root(),
         XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
             XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
+}
+
+void X11Connection::followScreenSaver()
+{
+    if (!hasExtension(get(), xcb_screensaver_id))
+        return;
+    m_screenSaverEvent = static_cast<std::uint8_t>(
+        xcb_get_extension_data(get(), &xcb_screensaver_id)->first_event + XCB_SCREENSAVER_NOTIFY);
+    xcb_screensaver_select_input(get(), root(), XCB_SCREENSAVER_EVENT_NOTIFY_MASK);
 }
 
 xcb_atom_t X11Connection::atom(const std::string& name)
@@ -193,6 +204,10 @@ void X11Connection::deliver(const xcb_generic_event_t& event)
                            kind(event) <= m_randrFirstEvent + XCB_RANDR_NOTIFY;
     if (isOfRandr) {
         Q_EMIT monitorsChanged();
+        return;
+    }
+    if (m_screenSaverEvent != 0 && kind(event) == m_screenSaverEvent) {
+        Q_EMIT screenSaverChanged();
         return;
     }
     const auto watches = m_watches; // a copy: a handler may end its own watch

@@ -56,6 +56,8 @@ Q_SIGNALS:
     void rootChildrenChanged();
     /// RandR has told of the monitors, or the root window has another size.
     void monitorsChanged();
+    /// The server's screen saver has begun or ended.
+    void screenSaverChanged();
     /// The server has closed the connection.
     void lost();
 
@@ -63,6 +65,7 @@ private:
     void processEvents();
     void deliver(const xcb_generic_event_t& event);
     void followMonitors();
+    void followScreenSaver();
 
     X11ConnectionHandle m_connection;
     X11Hints m_hints;
@@ -75,4 +78,5 @@ private:
     };
     std::vector<std::shared_ptr<Watch>> m_watches;
     std::uint8_t m_randrFirstEvent = 0; // 0 where there is no RandR
+    std::uint8_t m_screenSaverEvent = 0;
 };

@@ -2,6 +2,7 @@
 
 #include "base/Disposable.h"
 #include "platform/linux/display/DisplayServer.h"
+#include "platform/linux/display/x11/X11Blanking.h"
 #include "platform/linux/display/x11/X11Connection.h"
 #include "platform/linux/display/x11/X11Occlusion.h"
 #include "platform/linux/display/x11/X11WindowManager.h"
@@ -22,6 +23,7 @@ public:
     QString problem() const override;
     bool canPresent() const override;
     std::unique_ptr<FramePresenter> makePresenter() override;
+    QString rendererName() const override;
 
 protected:
     std::unique_ptr<NativeWindow> makeWindow(
@@ -34,5 +36,6 @@ private:
     std::unique_ptr<X11Connection> m_connection;
     X11WindowManager m_windowManager;
     X11Occlusion m_occlusion;
+    X11Blanking m_blanking;
     bool m_couldPresent = false;
 };
