@@ -21,7 +21,7 @@ void StatusReporter::report() const
     intent.version = AppInfo::shared().displayVersion();
     intent.isOpen = m_preferences.isOpenPlayer();
     intent.isPlaying = m_preferences.isPlaying();
-    if (const auto* const video = m_manager.currentVideo()) {
+    if (const auto& video = m_manager.currentVideo()) {
         intent.sign = video->sign;
         intent.title = video->title;
     }

@@ -47,15 +47,10 @@ void PlayList::reload(VideoPlayerPlayModel playModel, const std::optional<QStrin
     m_videoList.moveToSign(sign);
 }
 
-const VideoDetail* PlayList::current() const
-{
-    const auto* const node = m_videoList.current();
-    return node ? &node->val : nullptr;
-}
-
 std::optional<QString> PlayList::currentSign() const
 {
-    return current() ? std::optional(current()->sign) : std::nullopt;
+    const auto* const current = m_videoList.current();
+    return current ? std::optional(current->val.sign) : std::nullopt;
 }
 
 bool PlayList::advance()
@@ -111,10 +106,12 @@ std::unique_ptr<PlayerItem> PlayList::openPlayable()
             const auto begin = [this, sign = video.sign] { m_openings.begin(sign); };
             connect(item.get(), &PlayerItem::openingBegan, this, begin, Qt::SingleShotConnection);
             m_openingTime.stop();
+            m_opened.emplace(video);
             return item;
         }
         m_videoList.advance();
     }
+    m_opened.reset();
     return nullptr;
 }
 

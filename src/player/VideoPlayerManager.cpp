@@ -247,7 +247,7 @@ QString VideoPlayerManager::whyNothingPlays() const
         return {};
     if (m_playList.isUnread())
         return u"The library cannot be read."_s;
-    if (!m_playList.current())
+    if (m_playList.isEmpty())
         return u"The library is empty."_s;
     return item ? u"The video cannot be played."_s
                 : u"No video of the library can be played: files are missing or broken."_s;

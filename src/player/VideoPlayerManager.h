@@ -74,8 +74,8 @@ public:
     /// Stores the current video's sign in the preferences if it is not there already.
     void savePlayingSign();
 
-    /// The play list's current video; null for an empty list.
-    const VideoDetail* currentVideo() const { return m_playList.current(); }
+    /// What plays, or shall when it can be played; none where there is nothing.
+    const std::optional<VideoDetail>& currentVideo() const { return m_playList.opened(); }
     /// As a sentence; empty while something plays or could.
     QString whyNothingPlays() const;
 
