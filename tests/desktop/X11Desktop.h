@@ -32,8 +32,8 @@ public:
     void setMonitors(Monitors monitors) override;
     void click(const QPoint& point) override { click(point, 1); }
     void click(const QPoint& point, std::uint8_t button) const;
-    void cover(const QColor& colour) override;
-    void uncover() override { closeWindow(m_cover); }
+    void cover(const QColor& colour, Extent extent) override;
+    void uncover() override;
 
     /// A window of another program, of one colour, at the left unless told otherwise.
     enum class WindowKind {
@@ -91,5 +91,5 @@ private:
     QString m_display;
     X11ConnectionHandle m_connection;
     const xcb_screen_t* m_screen;
-    xcb_window_t m_cover = XCB_WINDOW_NONE;
+    std::vector<xcb_window_t> m_covers;
 };

@@ -39,6 +39,8 @@ public:
 
     void commit(const WindowState& wish, bool isOrderedAnew) override;
     FrameTarget target(const QRect& viewFrame) const override;
+    bool isShown() const override { return m_isMapped; }
+    bool isCovered() const override { return m_isCovered; }
 
 private:
     void create();
