@@ -55,7 +55,7 @@ private:
     void map();
     void unmap();
     void noteShown();
-    void letInputThrough(bool doesLetThrough);
+    void letInputThrough();
     void shape();
     void restack(StackingOrder order);
 
