@@ -64,6 +64,7 @@ private Q_SLOTS:
         makeDesktop();
         startProgram({.hasAlpha = true});
         start();
+        QTest::qWait(1000); // nothing else is looked at any more
 
         m_desktop->pretendCompositing();
 
@@ -132,6 +133,10 @@ private Q_SLOTS:
         m_desktop->click({600, 300});
         QTRY_COMPARE(m_program->buttons().size(), 6U);
         QTRY_COMPARE(m_helper->lines().count(u"mouse down"_s), 2);
+
+        m_desktop->swapButtons();
+        m_desktop->click({600, 300}, 3);
+        QTRY_COMPARE(m_helper->lines().count(u"mouse down"_s), 3);
     }
 
     void icons_areSeenThroughTheVideo_data()

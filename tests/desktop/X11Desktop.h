@@ -32,6 +32,8 @@ public:
     void setMonitors(Monitors monitors) override;
     void click(const QPoint& point) override { click(point, 1); }
     void click(const QPoint& point, std::uint8_t button) const;
+    /// For the left hand: button 3 is the primary one from now on.
+    void swapButtons() const;
     void cover(const QColor& colour, Extent extent) override;
     void uncover() override;
 
