@@ -55,6 +55,10 @@ private Q_SLOTS:
         QTest::qWait(1000); // whatever is decided has been by then
         QTRY_COMPARE(m_desktop->rightColour(), seen);
         QCOMPARE(m_desktop->leftColour(), u"blue"_s);
+        const auto wallpaper = m_desktop->windowNamed(u"TavelorHelper"_s);
+        const auto states = m_desktop->property(wallpaper, "_NET_WM_STATE");
+        QVERIFY(states.contains(bytes(m_desktop->atom("_NET_WM_STATE_SKIP_TASKBAR"))));
+        QCOMPARE(states.contains(bytes(m_desktop->atom("_NET_WM_STATE_BELOW"))), seen == u"red");
         m_desktop->closeWindow(window);
         QTRY_COMPARE(m_desktop->leftColour(), seen);
     }
