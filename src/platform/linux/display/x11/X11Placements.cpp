@@ -33,8 +33,8 @@ X11Placements::X11Placements(X11ForeignDesktops& desktops, X11WindowManager& win
     connect(&m_windowManager, &X11WindowManager::nameChanged, this, &X11Placements::decide);
 }
 
-/// Small ones, as monitors of the system's load are, stay in front. One that still has the size of a
-/// monitor that is gone is not small.
+/// Small ones, as monitors of the system's load are, stay in front. One that still has the size of
+/// a monitor that is gone is not small.
 Placement X11Placements::of(const QRect& frame) const
 {
     const bool isHidden = 4 * pixelCount(m_decision.opaqueArea & frame) > pixelCount(frame);
