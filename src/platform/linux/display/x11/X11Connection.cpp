@@ -228,9 +228,10 @@ void X11Connection::deliver(const xcb_generic_event_t& event)
 {
     if (kind(event) == XCB_PROPERTY_NOTIFY) {
         const auto& change = as<xcb_property_notify_event_t>(event);
-        if (change.window == root())
+        if (change.window == root()) {
             Q_EMIT rootPropertyChanged(change.atom);
-        return;
+            return;
+        }
     }
     if (kind(event) == XCB_CONFIGURE_NOTIFY &&
         as<xcb_configure_notify_event_t>(event).window == root()) {

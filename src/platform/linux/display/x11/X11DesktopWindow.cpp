@@ -267,8 +267,12 @@ void X11DesktopWindow::letInputThrough()
 {
     using X11WindowShape::Input;
     const auto input = m_placement == Placement::InFront ? Input::LetThrough : Input::Taken;
+    const bool isLetThrough = input == Input::LetThrough;
+    if (!isLetThrough && !m_isInputShaped)
+        return; // as windows are made
     m_listening.reset();
-    if (X11WindowShape::setInput(m_connection, m_window, input) && input == Input::LetThrough)
+    m_isInputShaped = X11WindowShape::setInput(m_connection, m_window, input) && isLetThrough;
+    if (m_isInputShaped)
         m_listening = m_services.presses.listen();
 }
 

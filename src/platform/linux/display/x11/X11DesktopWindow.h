@@ -67,6 +67,7 @@ private:
     bool m_isMapped = false;                   // as far as we asked for it
     bool m_isManaged = false;                  // as it was last mapped
     Placement m_placement = Placement::Behind; // as it was last mapped
+    bool m_isInputShaped = false;
     QRegion m_shape;                           // of the window, empty where it has none
     QTimer m_withdrawal;                       // until the window may be mapped again
     bool m_isCovered = false;                  // while it is shown
