@@ -3,6 +3,7 @@
 #include "desktop/VirtualDesktop.h"
 #include "platform/linux/display/x11/X11Handles.h"
 
+#include <QImage>
 #include <QRect>
 #include <QSize>
 
@@ -21,14 +22,18 @@ public:
     /// Makes it where the server has none of that name.
     xcb_atom_t atom(const char* name) const;
 
-    /// Returns when it manages windows.
-    void startWindowManager();
+    /// With additions to environment(). Returns when it manages windows.
+    void startWindowManager(const QString& command = QStringLiteral("openbox"),
+        const QProcessEnvironment& additions = {});
     /// Kills it, so that it cannot tidy up.
     void killWindowManager();
 
     void setMonitors(Monitors monitors) override;
     void click(const QPoint& point) override { click(point, 1); }
     void click(const QPoint& point, std::uint8_t button) const;
+    void pressKey(std::uint8_t keyCode) const;
+    /// What the server shows there; the whole of it for no area. Null where it shows nothing.
+    QImage picture(const QRect& area = {}) const;
     void cover(const QColor& colour) override;
     void uncover() override { closeWindow(m_cover); }
 
@@ -58,8 +63,12 @@ public:
     /// Of every window that is managed.
     void requestClose() const;
 
+    /// Of all programs, the topmost last.
+    std::vector<xcb_window_t> topWindows() const;
     /// Of the managed windows, in the order in which they came.
     QStringList windowTitles() const;
+    /// Whose windows of the type desktop are managed, by the instance of their class.
+    QStringList desktopPrograms() const;
 
 private:
     void nameDisplay(QProcessEnvironment& environment) const override;

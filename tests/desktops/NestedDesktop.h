@@ -1,0 +1,44 @@
+#pragma once
+
+#include "desktop/X11Desktop.h"
+
+#include <functional>
+
+/// A Wayland compositor whose outputs are windows on an X server without a screen: there they have
+/// a mouse, and what they show can be seen.
+class NestedDesktop : public VirtualDesktop {
+public:
+    /// How to start it with so many monitors, of that width each.
+    struct Compositor {
+        QString program;
+        QStringList arguments;
+        QProcessEnvironment environment;
+    };
+    using MakeCompositor = std::function<Compositor(int monitors, int width)>;
+    /// What its programs have to be told of the display; empty while it cannot be known.
+    using NameDisplay = std::function<QProcessEnvironment(const QByteArray& said)>;
+
+    NestedDesktop(MakeCompositor makeCompositor, NameDisplay nameDisplay);
+    ~NestedDesktop() override;
+
+    /// Starts the compositor anew where the number changes.
+    void setMonitors(Monitors monitors) override;
+    void click(const QPoint& point) override { m_screen.click(point); }
+    void cover(const QColor& colour) override { m_screen.cover(colour); }
+    void uncover() override { m_screen.uncover(); }
+
+    const X11Desktop& screen() const { return m_screen; }
+
+private:
+    void start(int monitors);
+    void nameDisplay(QProcessEnvironment& environment) const override;
+    std::optional<QColor> pixel(const QPoint& point) const override;
+    QColor bareColour() const override { return {0x3f, 0x3f, 0x3f}; }
+
+    X11Desktop m_screen; // without a window manager
+    MakeCompositor m_makeCompositor;
+    NameDisplay m_nameDisplay;
+    QProcess m_process;
+    QByteArray m_said; // on its standard error
+    int m_monitors = 0;
+};
