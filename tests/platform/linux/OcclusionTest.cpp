@@ -6,22 +6,22 @@ class OcclusionTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void stack_coversOrNot()
+    void seenWindows_areThoseOfWhichAPixelCanBeSeen()
     {
         constexpr auto ours = StackedWindow::Kind::Ours;
         constexpr auto foreign = StackedWindow::Kind::Foreign;
         const QRect left(0, 0, 100, 100);
         const QRect right(100, 0, 100, 100);
-        const auto isCovered = Occlusion::isEverythingCovered;
+        const auto seen = Occlusion::seenWindows;
+        using Names = std::set<std::uint32_t>;
 
-        QCOMPARE(isCovered({{foreign, left}}), std::nullopt);
-        QCOMPARE(isCovered({{foreign, left}, {foreign, right}, {ours, left | right}}), true);
+        QCOMPARE(seen({{foreign, left}}), Names());
+        QCOMPARE(seen({{foreign, left}, {foreign, right}, {ours, left | right, 1}}), Names());
         QCOMPARE(
-            isCovered(
-                {{foreign, left}, {foreign, right.adjusted(1, 0, 0, 0)}, {ours, left | right}}),
-            false);
-        QCOMPARE(isCovered({{foreign, left}, {ours, left}, {ours, right}}), false);
-        QCOMPARE(isCovered({{ours, left}, {ours, left}, {foreign, left}}), false);
+            seen({{foreign, left}, {foreign, right.adjusted(1, 0, 0, 0)}, {ours, left | right, 1}}),
+            Names{1});
+        QCOMPARE(seen({{foreign, left}, {ours, left, 1}, {ours, right, 2}}), Names{2});
+        QCOMPARE(seen({{ours, left, 1}, {ours, left, 2}, {foreign, left}}), (Names{1, 2}));
     }
 };
 

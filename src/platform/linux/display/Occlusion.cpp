@@ -1,17 +1,14 @@
 #include "platform/linux/display/Occlusion.h"
 
-std::optional<bool> Occlusion::isEverythingCovered(const std::vector<StackedWindow>& stack)
+std::set<std::uint32_t> Occlusion::seenWindows(const std::vector<StackedWindow>& stack)
 {
     QRegion covered;
-    bool hasOurs = false;
+    std::set<std::uint32_t> seen;
     for (const auto& window : stack) {
-        if (window.kind == StackedWindow::Kind::Foreign) {
+        if (window.kind == StackedWindow::Kind::Foreign)
             covered += window.area;
-            continue;
-        }
-        hasOurs = true;
-        if (!window.area.subtracted(covered).isEmpty())
-            return false;
+        else if (!window.area.subtracted(covered).isEmpty())
+            seen.insert(window.name);
     }
-    return hasOurs ? std::optional(true) : std::nullopt;
+    return seen;
 }

@@ -2,7 +2,8 @@
 
 #include <QRegion>
 
-#include <optional>
+#include <cstdint>
+#include <set>
 #include <vector>
 
 /// One window as far as it matters to whether the desktop can be seen.
@@ -10,12 +11,13 @@ struct StackedWindow {
     enum class Kind { Ours, Foreign };
     Kind kind;
     QRegion area; ///< what it shows; of a foreign window, what it lets nothing shine through
+    std::uint32_t name = 0; ///< the display's, of ours
 };
 
 namespace Occlusion {
 
-/// Whether no pixel of our windows can be seen; none where we have no window. From the top of the
-/// stack to its bottom. Our windows do not cover one another: the picture is ours all the same.
-std::optional<bool> isEverythingCovered(const std::vector<StackedWindow>& stack);
+/// Those of our windows of which a pixel can be seen. `stack` goes from the top to the bottom. Our
+/// windows do not cover one another: the picture is ours all the same.
+std::set<std::uint32_t> seenWindows(const std::vector<StackedWindow>& stack);
 
 } // namespace Occlusion

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/video/FramePresenter.h"
+#include "platform/linux/video/Holds.h"
 
 #include <QObject>
 
@@ -23,8 +24,14 @@ public:
     /// For the render thread, which calls it while `canPresent()`.
     virtual std::unique_ptr<FramePresenter> makePresenter() = 0;
 
+    /// Why nobody can see what is shown here.
+    Holds& holds() { return m_holds; }
+
 Q_SIGNALS:
     /// Presenters that were made earlier must go before this returns; `canPresent()` tells whether
     /// there may be new ones.
     void presentersChanged();
+
+private:
+    Holds m_holds;
 };

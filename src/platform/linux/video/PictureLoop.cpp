@@ -12,6 +12,8 @@ namespace {
 /// How long the core's picture waits for a target that follows. From then on pictures are passed
 /// over until one does, so that the video's clock does not stop with the display.
 constexpr auto patience = 100ms;
+/// And how long until nobody is taken to see them.
+constexpr auto unseenPatience = 500ms;
 
 /// While there is no display.
 class NoPresenter : public FramePresenter {
@@ -38,8 +40,12 @@ mpv_render_frame_info nextPicture(mpv_render_context& context)
 
 } // namespace
 
-PictureLoop::PictureLoop(mpv_handle& core, std::function<void()> wake)
-    : m_core(core), m_wake(std::move(wake)), m_presenter(std::make_unique<NoPresenter>())
+PictureLoop::PictureLoop(
+    mpv_handle& core, std::function<void()> wake, std::function<void(bool isSeen)> tellSeen)
+    : m_core(core),
+      m_wake(std::move(wake)),
+      m_tellSeen(std::move(tellSeen)),
+      m_presenter(std::make_unique<NoPresenter>())
 {
 }
 
@@ -67,8 +73,14 @@ void PictureLoop::setTargets(const std::vector<FrameTarget>& targets)
 {
     m_presenter->setTargets(targets);
     m_isStale = m_content != Content::Nothing;
-    m_isNobodyFollowing = false;
+    m_notFollowed.reset();
     m_due.reset();
+}
+
+void PictureLoop::forgetPicture()
+{
+    if (m_content == Content::Picture)
+        m_content = Content::LostPicture;
 }
 
 void PictureLoop::presentAgain()
@@ -90,14 +102,19 @@ void PictureLoop::clearIfNothingWasShown()
         clear();
 }
 
+bool PictureLoop::hasSomethingToDraw() const
+{
+    return m_isOffered || (m_isStale && m_content != Content::LostPicture);
+}
+
 PictureLoop::Time PictureLoop::wakeUpTime() const
 {
     if (m_due)
         return m_due;
-    if (canDraw() && (m_isOffered || m_isStale))
+    if (canDraw() && hasSomethingToDraw())
         return Clock::now();
-    if (m_offeredInVain)
-        return *m_offeredInVain + patience;
+    if (m_isOffered && m_notFollowed)
+        return *m_notFollowed + patience;
     return std::nullopt;
 }
 
@@ -137,24 +154,34 @@ void PictureLoop::takePicture()
 {
     m_isStale = m_isStale || m_presenter->isBehind();
     m_isOffered = (mpv_render_context_update(m_context.get()) & MPV_RENDER_UPDATE_FRAME) != 0;
-    if (!m_isOffered)
-        m_offeredInVain.reset(); // the core has given it up
-    // A picture comes ahead of its time; the one before it is shown first.
-    const bool isFree = m_presenter->hasTargets() && !m_due;
-    if (isFree && m_presenter->isReady()) {
-        m_offeredInVain.reset();
-        m_isNobodyFollowing = false;
-        if (m_isOffered || m_isStale)
+    if (m_due)
+        return; // a picture comes ahead of its time; the one before it is shown first
+    if (canDraw()) {
+        m_notFollowed.reset();
+        setIsSeen(true);
+        if (hasSomethingToDraw())
             draw();
-        return;
+    } else if (m_isOffered) {
+        waitForTarget();
     }
-    if (!m_isOffered || m_due)
-        return;
-    if (!m_offeredInVain)
-        m_offeredInVain = Clock::now();
-    m_isNobodyFollowing = m_isNobodyFollowing || Clock::now() - *m_offeredInVain >= patience;
-    if (!m_presenter->hasTargets() || m_isNobodyFollowing)
+}
+
+void PictureLoop::waitForTarget()
+{
+    const auto now = Clock::now();
+    if (!m_notFollowed)
+        m_notFollowed = now;
+    const auto waited = now - *m_notFollowed;
+    if (waited >= unseenPatience)
+        setIsSeen(false);
+    if (!m_presenter->hasTargets() || waited >= patience)
         skipPicture();
+}
+
+void PictureLoop::setIsSeen(bool isSeen)
+{
+    if (std::exchange(m_isSeen, isSeen) != isSeen)
+        m_tellSeen(isSeen);
 }
 
 void PictureLoop::skipPicture()
@@ -164,7 +191,6 @@ void PictureLoop::skipPicture()
     m_content = Content::Picture;
     m_isStale = true;
     m_isOffered = false;
-    m_offeredInVain.reset();
 }
 
 /// Takes a picture that nobody will see, or the core would wait for it.

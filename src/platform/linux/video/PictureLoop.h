@@ -16,8 +16,10 @@
 /// but `pictureCount` belongs to the render thread.
 class PictureLoop {
 public:
-    /// `wake` is called on any thread when the core has news.
-    PictureLoop(mpv_handle& core, std::function<void()> wake);
+    /// `wake` is called on any thread when the core has news; `tellSeen` on this one, when no
+    /// target has followed for a while, and when one does again.
+    PictureLoop(
+        mpv_handle& core, std::function<void()> wake, std::function<void(bool isSeen)> tellSeen);
     ~PictureLoop();
     PictureLoop(const PictureLoop&) = delete;
     PictureLoop& operator=(const PictureLoop&) = delete;
@@ -27,6 +29,8 @@ public:
     /// value of "hwdec" that fits, or null when nothing can be presented.
     const char* changePresenter(const PresenterFactory& make);
     void setTargets(const std::vector<FrameTarget>& targets);
+    /// The core has no picture any more, until it offers the next one.
+    void forgetPicture();
     void presentAgain();
     void clear();
     void clearIfNothingWasShown();
@@ -43,9 +47,12 @@ private:
     using Time = std::optional<Clock::time_point>;
 
     bool canDraw() const { return m_presenter->hasTargets() && m_presenter->isReady(); }
+    bool hasSomethingToDraw() const;
     Time wakeUpTime() const;
     void present();
     void takePicture();
+    void waitForTarget();
+    void setIsSeen(bool isSeen);
     void skipPicture();
     void discardPicture();
     void draw();
@@ -54,14 +61,15 @@ private:
 
     mpv_handle& m_core; // for its clock, which any thread may ask
     std::function<void()> m_wake;
+    std::function<void(bool)> m_tellSeen;
     std::unique_ptr<FramePresenter> m_presenter;
     RenderContext m_context; // from the first presenter on
     /// Before there is anything, the windows keep showing what was on the screen before them.
-    enum class Content { Nothing, Picture, Black } m_content = Content::Nothing;
+    enum class Content { Nothing, Picture, LostPicture, Black } m_content = Content::Nothing;
     bool m_isOffered = false; // the core has a picture that has not been taken
     bool m_isStale = false;   // what was drawn last is something else than `m_content`
     Time m_due;               // when what was drawn is shown; none when it has been
-    Time m_offeredInVain;     // since when no target has followed
-    bool m_isNobodyFollowing = false;
+    Time m_notFollowed;       // since when pictures are offered and no target follows
+    bool m_isSeen = true;     // as it was told
     std::atomic<std::uint64_t> m_pictureCount = 0;
 };

@@ -105,15 +105,23 @@ PlayerItem* Player::currentItem() const
 Player::Body::Body()
     : m_output(FrameOutput::shared()),
       m_core(Mpv::create()),
-      m_renderThread(*m_core),
+      m_renderThread(*m_core,
+          [this](bool isSeen) {
+              const auto tell = [this, isSeen] {
+                  m_output.holds().set(Holds::Reason::Unseen, !isSeen);
+              };
+              QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+          }),
       m_upright(*m_core, firstUprightRequest)
 {
     changePresenter();
     connect(&m_output, &FrameOutput::presentersChanged, this, &Body::changePresenter);
+    connect(&m_output.holds(), &Holds::changed, this, &Body::applyHolds);
     m_stillPicture.setSingleShot(true);
     m_stillPicture.setInterval(stillDuration);
     connect(&m_stillPicture, &QTimer::timeout, this, &Body::finishRound);
     mpv_observe_property(m_core.get(), 0, "eof-reached", MPV_FORMAT_FLAG);
+    mpv_observe_property(m_core.get(), 0, "aid", MPV_FORMAT_INT64);
     mpv_set_wakeup_callback(
         m_core.get(),
         [](void* self) {
@@ -142,7 +150,7 @@ void Player::Body::changePresenter()
         std::fputs("libmpv cannot draw here, so no video is shown.\n", stderr);
     if (decoding && hasGraphicsDevice())
         Mpv::setText(m_core.get(), "hwdec", decoding);
-    applyPause();
+    applyHolds();
     const bool isWaiting = m_item && !m_isLoaded && m_item->status() != PlayerItem::Status::Failed;
     if (m_canPresent && !couldPresent && isWaiting)
         load();
@@ -151,13 +159,39 @@ void Player::Body::changePresenter()
 void Player::Body::setPaused(bool paused)
 {
     m_isPaused = paused;
-    waitForStillPicture();
-    applyPause();
+    applyHolds();
 }
 
-void Player::Body::applyPause()
+/// Whether the core neither decodes nor plays, for whatever reason.
+bool Player::Body::isResting() const
 {
-    Mpv::setFlag(m_core.get(), "pause", m_isPaused || !m_canPresent);
+    const bool isHeld = !m_output.holds().isEmpty();
+    return m_isPaused || !m_canPresent || (isHeld && m_decodesPictures);
+}
+
+bool Player::Body::isHeard() const
+{
+    return m_isLoaded && m_hasSound && !m_isMuted && m_volume > 0;
+}
+
+/// What is heard goes on without its pictures while nobody can see them. All else rests: libmpv
+/// ends a video without sound with an error when its pictures are switched off.
+void Player::Body::applyHolds()
+{
+    setDecodesPictures(m_output.holds().isEmpty() || !isHeard());
+    Mpv::setFlag(m_core.get(), "pause", isResting());
+    waitForStillPicture();
+}
+
+void Player::Body::setDecodesPictures(bool decodes)
+{
+    if (std::exchange(m_decodesPictures, decodes) == decodes)
+        return;
+    Mpv::setText(m_core.get(), "vid", decodes ? "auto" : "no");
+    if (!decodes) {
+        m_hasLackedPictures = true;
+        m_renderThread.forgetPicture();
+    }
 }
 
 void Player::Body::setVolume(float volume)
@@ -165,12 +199,14 @@ void Player::Body::setVolume(float volume)
     m_volume = std::isnan(volume) ? 0.0F : std::clamp(volume, 0.0F, 1.0F);
     // libmpv's scale is cubic: half of it is an eighth of the gain.
     Mpv::setDouble(m_core.get(), "volume", 100 * std::cbrt(static_cast<double>(m_volume)));
+    applyHolds();
 }
 
 void Player::Body::setMuted(bool muted)
 {
     m_isMuted = muted;
     Mpv::setFlag(m_core.get(), "mute", muted);
+    applyHolds();
 }
 
 void Player::Body::setActionAtItemEnd(ActionAtItemEnd action)
@@ -198,6 +234,7 @@ void Player::Body::forgetLoad()
 {
     m_entry.reset();
     m_isLoaded = false;
+    applyHolds(); // nobody knows whether the next item has sound
     m_request = std::max(m_request + 1, firstLoad);
     beginRound(Round::SinceLoad);
 }
@@ -243,6 +280,7 @@ void Player::Body::beginRound(Round round)
 {
     m_round = round;
     m_picturesBefore = m_renderThread.pictureCount();
+    m_hasLackedPictures = !m_decodesPictures;
     m_roundTime.start();
     m_isAtEnd = false;
     m_isStill = false;
@@ -273,6 +311,7 @@ void Player::Body::handle(const mpv_event& event)
     case MPV_EVENT_FILE_LOADED:
         if (m_entry) {
             m_isLoaded = true;
+            applyHolds();
             Q_EMIT itemBecameReady();
         }
         break;
@@ -286,8 +325,12 @@ void Player::Body::handle(const mpv_event& event)
     case MPV_EVENT_GET_PROPERTY_REPLY:
     case MPV_EVENT_PROPERTY_CHANGE: {
         const auto& property = *static_cast<const mpv_event_property*>(event.data);
-        if (property.format == MPV_FORMAT_FLAG && std::strcmp(property.name, "eof-reached") == 0)
+        if (std::strcmp(property.name, "aid") == 0) {
+            m_hasSound = property.format == MPV_FORMAT_INT64;
+            applyHolds();
+        } else if (property.format == MPV_FORMAT_FLAG) {
             setIsAtEnd(*static_cast<const int*>(property.data) != 0);
+        }
         break;
     }
     case MPV_EVENT_END_FILE: {
@@ -297,7 +340,10 @@ void Player::Body::handle(const mpv_event& event)
         const bool isList = end.reason == MPV_END_FILE_REASON_REDIRECT;
         if (!isOurs || (end.reason != MPV_END_FILE_REASON_ERROR && !isList))
             break;
-        fail();
+        if (m_decodesPictures)
+            fail();
+        else
+            load(); // its sound has gone, and there was nothing else
         break;
     }
     case MPV_EVENT_IDLE:
@@ -331,9 +377,9 @@ void Player::Body::setIsAtEnd(bool isAtEnd)
     if (!hasReachedEnd || !m_isLoaded)
         return;
     const auto pictures = m_renderThread.pictureCount() - m_picturesBefore;
-    m_isStill =
-        pictures == 1 || (pictures < fewPictures && !m_roundTime.hasExpired(shortRound.count()));
-    if (pictures == 0)
+    m_isStill = (pictures == 1 && !m_hasLackedPictures) ||
+                (pictures < fewPictures && !m_roundTime.hasExpired(shortRound.count()));
+    if (pictures == 0 && !m_hasLackedPictures)
         finishRoundWithoutPicture();
     else if (m_isStill)
         waitForStillPicture();
@@ -343,7 +389,7 @@ void Player::Body::setIsAtEnd(bool isAtEnd)
 
 void Player::Body::waitForStillPicture()
 {
-    if (!m_isStill || m_isPaused)
+    if (!m_isStill || isResting())
         m_stillPicture.stop();
     else if (!m_stillPicture.isActive())
         m_stillPicture.start();

@@ -41,7 +41,10 @@ private:
     enum class Round { SinceLoad, SinceSeek };
 
     void changePresenter();
-    void applyPause();
+    bool isResting() const;
+    bool isHeard() const;
+    void applyHolds();
+    void setDecodesPictures(bool decodes);
     void load();
     void forgetLoad();
     void leaveItem();
@@ -68,17 +71,20 @@ private:
     quint64 m_request = 0; // of the latest load; answers to earlier ones are about other items
     std::optional<qint64> m_entry; // libmpv's number of the item that is loaded
     bool m_isLoaded = false;
+    bool m_hasSound = false;   // and some of it is chosen
     bool m_cannotSeek = false; // the item begins anew by being loaded again
 
     Round m_round = Round::SinceLoad;
     std::uint64_t m_picturesBefore = 0; // those of earlier rounds
     bool m_isAtEnd = false;
     QElapsedTimer m_roundTime;
-    bool m_isStill = false; // the round is over but for being looked at
-    QTimer m_stillPicture;  // running meanwhile
+    bool m_hasLackedPictures = false; // in this round nobody looked, for a while at least
+    bool m_isStill = false;           // the round is over but for being looked at
+    QTimer m_stillPicture;            // running meanwhile
 
     bool m_isPaused = true;
     bool m_canPresent = false; // while it cannot, the core rests
+    bool m_decodesPictures = true;
     float m_volume = 1;
     bool m_isMuted = false;
 };

@@ -5,9 +5,10 @@
 #include <unistd.h>
 #include <utility>
 
-RenderThread::RenderThread(mpv_handle& core)
+RenderThread::RenderThread(mpv_handle& core, std::function<void(bool isSeen)> tellSeen)
     : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
-      m_loop(std::make_unique<PictureLoop>(core, [this] { wake(); })),
+      m_loop(std::make_unique<PictureLoop>(
+          core, [this] { wake(); }, std::move(tellSeen))),
       m_thread([this] { run(); })
 {
 }
@@ -47,6 +48,11 @@ void RenderThread::removeTarget(const void* owner)
         if (m_targets.erase(owner) > 0)
             orders.targets.emplace();
     });
+}
+
+void RenderThread::forgetPicture()
+{
+    order([](Orders& orders) { orders.forgetPicture = true; });
 }
 
 void RenderThread::presentAgain()
@@ -113,6 +119,8 @@ void RenderThread::obey(Orders& orders)
         orders.presenterAnswer.set_value(m_loop->changePresenter(*orders.presenter));
     if (orders.targets)
         m_loop->setTargets(*orders.targets);
+    if (orders.forgetPicture)
+        m_loop->forgetPicture();
     if (orders.clear)
         m_loop->clear();
     if (orders.clearIfNothingWasShown)

@@ -16,7 +16,9 @@
 /// clock makes no other call of libmpv. Other threads, libmpv's among them, only queue orders.
 class RenderThread {
 public:
-    explicit RenderThread(mpv_handle& core);
+    /// `tellSeen` is called on this thread when no target has followed for a while, and when one
+    /// does again.
+    RenderThread(mpv_handle& core, std::function<void(bool isSeen)> tellSeen);
     /// Frees the render context, which has to be before the core is destroyed.
     ~RenderThread();
     RenderThread(const RenderThread&) = delete;
@@ -31,6 +33,8 @@ public:
     /// `owner` tells targets apart; it is not looked into.
     void setTarget(const void* owner, const FrameTarget& target);
     void removeTarget(const void* owner);
+    /// The core does not decode pictures for now: what is shown stays until it does again.
+    void forgetPicture();
     /// Shows the latest picture once more.
     void presentAgain();
     /// Shows black until the next picture comes.
@@ -48,6 +52,7 @@ private:
         std::optional<PresenterFactory> presenter;
         std::promise<const char*> presenterAnswer;
         std::optional<std::vector<FrameTarget>> targets;
+        bool forgetPicture = false;
         bool presentAgain = false;
         bool clear = false;
         bool clearIfNothingWasShown = false;

@@ -20,11 +20,19 @@ constexpr auto shortPatience = 100ms;
 /// Looking for other wallpapers: they start with the session, and people end them when told to.
 constexpr auto often = 3s;
 constexpr auto rarely = 64s;
+/// Compositors pause for a moment when outputs change.
+constexpr auto seeingSettles = 1s;
 
 } // namespace
 
 WaylandDisplay::WaylandDisplay(std::unique_ptr<WaylandConnection> connection)
+    : m_seeing(seeingSettles, [this] {
+          const bool isUnseen = holds().has(Holds::Reason::Unseen);
+          if (std::exchange(m_isUnseen, isUnseen) != isUnseen)
+              Q_EMIT occlusionChanged();
+      })
 {
+    connect(&holds(), &Holds::changed, this, [this] { m_seeing.call(); });
     m_nextAttempt.setInterval(attemptInterval);
     connect(&m_nextAttempt, &QTimer::timeout, this, &WaylandDisplay::connectAgain);
     m_lookForOthers.setSingleShot(true);

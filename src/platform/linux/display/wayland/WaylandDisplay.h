@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Debounce.h"
 #include "platform/linux/display/DisplayServer.h"
 #include "platform/linux/display/wayland/WaylandConnection.h"
 #include "platform/linux/display/wayland/WaylandInput.h"
@@ -45,6 +46,8 @@ private:
     std::map<std::uint32_t, std::unique_ptr<WaylandInput>> m_inputs; // by their seats' names
     std::vector<Screen> m_screens; // those of the latest connection
     std::vector<WaylandWindow*> m_windows;
+    bool m_isUnseen = false; // as it was told
+    Debounce m_seeing;
     QElapsedTimer m_connectedTime;
     QTimer m_nextAttempt;
     QTimer m_lookForOthers;

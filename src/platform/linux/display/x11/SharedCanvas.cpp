@@ -16,13 +16,14 @@ bool takesDescriptors(xcb_connection_t* connection)
 
 } // namespace
 
-std::unique_ptr<SharedCanvas> SharedCanvas::create(xcb_connection_t* connection, const QSize& size)
+std::unique_ptr<SharedCanvas> SharedCanvas::create(
+    xcb_connection_t* connection, const QSize& size, Access access)
 {
     auto memory = CanvasMemory::create(size);
     if (!memory)
         return nullptr;
     std::unique_ptr<SharedCanvas> canvas(new SharedCanvas(connection, std::move(memory)));
-    canvas->attach();
+    canvas->attach(access);
     return canvas;
 }
 
@@ -37,14 +38,15 @@ SharedCanvas::~SharedCanvas()
         xcb_shm_detach(m_connection, m_segment);
 }
 
-void SharedCanvas::attach()
+void SharedCanvas::attach(Access access)
 {
     if (!takesDescriptors(m_connection))
         return;
     m_segment = xcb_generate_id(m_connection);
     // xcb closes the descriptor when it has sent it.
+    const std::uint8_t isReadOnly = access == Access::Read ? 1 : 0;
     const auto attached =
-        xcb_shm_attach_fd_checked(m_connection, m_segment, m_memory->takeDescriptor(), 1);
+        xcb_shm_attach_fd_checked(m_connection, m_segment, m_memory->takeDescriptor(), isReadOnly);
     if (own(xcb_request_check(m_connection, attached)))
         m_segment = XCB_NONE;
 }

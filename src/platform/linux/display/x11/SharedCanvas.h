@@ -11,8 +11,11 @@
 /// a remote one for instance, the picture is only ours and has to be sent.
 class SharedCanvas {
 public:
+    /// What the server may do with the memory.
+    enum class Access { Read, Write };
     /// Null when there is no memory for it.
-    static std::unique_ptr<SharedCanvas> create(xcb_connection_t* connection, const QSize& size);
+    static std::unique_ptr<SharedCanvas> create(
+        xcb_connection_t* connection, const QSize& size, Access access = Access::Read);
     ~SharedCanvas();
     SharedCanvas(const SharedCanvas&) = delete;
     SharedCanvas& operator=(const SharedCanvas&) = delete;
@@ -23,7 +26,7 @@ public:
 
 private:
     SharedCanvas(xcb_connection_t* connection, std::unique_ptr<CanvasMemory> memory);
-    void attach();
+    void attach(Access access);
 
     xcb_connection_t* m_connection;
     std::unique_ptr<CanvasMemory> m_memory;

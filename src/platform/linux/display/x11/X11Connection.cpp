@@ -21,6 +21,13 @@ std::uint8_t kind(const xcb_generic_event_t& event)
     return event.response_type & static_cast<std::uint8_t>(~sentByClient);
 }
 
+/// Of the pointing devices' events that we select, the touches name a window; the raw ones come
+/// from the devices themselves.
+xcb_window_t windowOfInput(const xcb_input_touch_begin_event_t& event)
+{
+    return event.event_type == XCB_INPUT_TOUCH_BEGIN ? event.event : XCB_NONE;
+}
+
 xcb_window_t windowOf(const xcb_generic_event_t& event)
 {
     switch (kind(event)) {
@@ -30,9 +37,14 @@ xcb_window_t windowOf(const xcb_generic_event_t& event)
     case XCB_BUTTON_RELEASE:
         return as<xcb_button_press_event_t>(event).event;
     case XCB_DESTROY_NOTIFY:
-        return as<xcb_destroy_notify_event_t>(event).window;
+    case XCB_UNMAP_NOTIFY:
+    case XCB_MAP_NOTIFY:
+    case XCB_CONFIGURE_NOTIFY:
+        return as<xcb_destroy_notify_event_t>(event).window; // all begin alike
+    case XCB_PROPERTY_NOTIFY:
+        return as<xcb_property_notify_event_t>(event).window;
     case XCB_GE_GENERIC:
-        return as<xcb_input_touch_begin_event_t>(event).event;
+        return windowOfInput(as<xcb_input_touch_begin_event_t>(event));
     default:
         return XCB_NONE;
     }
@@ -90,6 +102,7 @@ X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
         XCB_EVENT_MASK_STRUCTURE_NOTIFY; // told of the root window's size and of set monitors
     xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &events);
     followMonitors();
+    askForTouches();
 
     connect(&m_notifier, &QSocketNotifier::activated, this, &X11Connection::processEvents);
     // Waiting for a reply may read events into xcb's own queue, where no descriptor tells of them.
@@ -104,12 +117,25 @@ void X11Connection::followMonitors()
     if (!hasExtension(get(), xcb_randr_id))
         return;
     // The server tells a client only what the client's version knows.
-    own(xcb_randr_query_version_reply(get(), xcb_randr_query_version(get(), 1, 5), nullptr));
+    const auto version =
+        own(xcb_randr_query_version_reply(get(), xcb_randr_query_version(get(), 1, 5), nullptr));
+    m_knowsMonitors = version && (version->major_version > 1 ||
+                                     (version->major_version == 1 && version->minor_version >= 5));
     m_randrFirstEvent = xcb_get_extension_data(get(), &xcb_randr_id)->first_event;
     xcb_randr_select_input(get(),
         root(),
         XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
             XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY);
+}
+
+void X11Connection::askForTouches()
+{
+    if (!hasExtension(get(), xcb_input_id))
+        return;
+    const auto version = own(
+        xcb_input_xi_query_version_reply(get(), xcb_input_xi_query_version(get(), 2, 2), nullptr));
+    m_knowsTouches = version && (version->major_version > 2 ||
+                                    (version->major_version == 2 && version->minor_version >= 2));
 }
 
 xcb_atom_t X11Connection::atom(const std::string& name)
@@ -148,12 +174,27 @@ std::vector<std::uint32_t> X11Connection::property(const X11PropertyCookie& cook
 
 Disposable X11Connection::watch(xcb_window_t window, EventHandler handler)
 {
-    const auto watch =
-        m_watches.emplace_back(std::make_shared<Watch>(Watch{window, std::move(handler)}));
+    return add({window, 0, std::move(handler)});
+}
+
+Disposable X11Connection::watchKind(std::uint8_t code, EventHandler handler)
+{
+    return add({XCB_NONE, code, std::move(handler)});
+}
+
+Disposable X11Connection::add(Watch added)
+{
+    const auto watch = m_watches.emplace_back(std::make_shared<Watch>(std::move(added)));
     return Disposable([this, watch] {
         watch->handler = nullptr;
         std::erase(m_watches, watch);
     });
+}
+
+bool X11Connection::isOwn(xcb_window_t window) const
+{
+    const auto& setup = *xcb_get_setup(get());
+    return (window & ~setup.resource_id_mask) == setup.resource_id_base;
 }
 
 void X11Connection::synchronize()
@@ -197,7 +238,9 @@ void X11Connection::deliver(const xcb_generic_event_t& event)
     }
     const auto watches = m_watches; // a copy: a handler may end its own watch
     for (const auto& watch : watches) {
-        if (watch->window != windowOf(event))
+        const bool isMeant = watch->window == XCB_NONE ? watch->code == kind(event)
+                                                       : watch->window == windowOf(event);
+        if (!isMeant)
             continue;
         if (const auto handler = watch->handler)
             handler(event);

@@ -46,6 +46,15 @@ public:
     using EventHandler = std::function<void(const xcb_generic_event_t& event)>;
     /// Hands the core and input events of one window to `handler`.
     [[nodiscard]] Disposable watch(xcb_window_t window, EventHandler handler);
+    /// All events with this code, as extensions have.
+    [[nodiscard]] Disposable watchKind(std::uint8_t code, EventHandler handler);
+
+    /// Whether the window is one that this connection has made.
+    bool isOwn(xcb_window_t window) const;
+    /// Whether the server has RandR 1.5, which tells of monitors.
+    bool knowsMonitors() const { return m_knowsMonitors; }
+    /// Whether it has X Input 2.2, which tells of touches and of the devices themselves.
+    bool knowsTouches() const { return m_knowsTouches; }
 
     /// Returns when the server has carried out all requests made so far.
     void synchronize();
@@ -60,19 +69,25 @@ Q_SIGNALS:
     void lost();
 
 private:
+    struct Watch {
+        xcb_window_t window;  // none: of any
+        std::uint8_t code;    // then
+        EventHandler handler; // empty once it has ended
+    };
+
+    Disposable add(Watch added);
     void processEvents();
     void deliver(const xcb_generic_event_t& event);
     void followMonitors();
+    void askForTouches();
 
     X11ConnectionHandle m_connection;
     X11Hints m_hints;
     xcb_screen_t* m_screen;
     QSocketNotifier m_notifier;
     std::map<std::string, xcb_atom_t> m_atoms;
-    struct Watch {
-        xcb_window_t window;
-        EventHandler handler; // empty once it has ended
-    };
     std::vector<std::shared_ptr<Watch>> m_watches;
     std::uint8_t m_randrFirstEvent = 0; // 0 where there is no RandR
+    bool m_knowsMonitors = false;
+    bool m_knowsTouches = false;
 };

@@ -2,17 +2,17 @@
 
 #include "base/Observe.h"
 
-#include <QSysInfo>
+#include "platform/linux/display/x11/X11WindowHints.h"
+#include "platform/linux/display/x11/X11WindowInput.h"
 
-#include <xcb/xcb_icccm.h>
+#include <xcb/shape.h>
 #include <xcb/xinput.h>
 
 #include <array>
-#include <string_view>
-#include <unistd.h>
+#include <chrono>
 #include <utility>
 
-using namespace std::string_view_literals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -56,45 +56,24 @@ const PictureVisual& pictureVisual(X11Connection& x11)
     return visual;
 }
 
-/// The X Input extension, from 2.2 on, tells of touches.
-void selectTouches(xcb_connection_t* connection, xcb_window_t window)
-{
-    if (!hasExtension(connection, xcb_input_id))
-        return;
-    const auto version = own(xcb_input_xi_query_version_reply(
-        connection, xcb_input_xi_query_version(connection, 2, 2), nullptr));
-    if (!version || version->major_version < 2 ||
-        (version->major_version == 2 && version->minor_version < 2))
-        return;
-    struct {
-        xcb_input_event_mask_t header{XCB_INPUT_DEVICE_ALL_MASTER, 1};
-        std::uint32_t mask =
-            XCB_INPUT_XI_EVENT_MASK_TOUCH_BEGIN | XCB_INPUT_XI_EVENT_MASK_TOUCH_UPDATE |
-            XCB_INPUT_XI_EVENT_MASK_TOUCH_END; // the protocol wants all three or none
-    } selection;
-    xcb_input_xi_select_events(connection, window, 1, &selection.header);
-}
-
-constexpr std::uint8_t primaryButton = 1;
-constexpr std::uint8_t middleButton = 2;
-constexpr std::uint8_t secondaryButton = 3;
+/// How long to wait until a window manager has let go of a window: without a word of it, and after
+/// its word, because it may remove more.
+constexpr auto longestWithdrawal = 500ms;
+constexpr auto endOfWithdrawal = 50ms;
 
 } // namespace
 
-X11DesktopWindow::X11DesktopWindow(X11Connection& connection,
-    X11WindowManager& windowManager,
-    X11Occlusion& occlusion,
-    const Screen& screen,
-    const WindowState& wish)
+X11DesktopWindow::X11DesktopWindow(
+    const X11DesktopServices& services, const Screen& screen, const WindowState& wish)
     : NativeWindow(screen),
-      m_connection(connection),
-      m_windowManager(windowManager),
-      m_occlusion(occlusion),
+      m_services(services),
+      m_connection(services.connection),
       m_committed{wish.frame, std::nullopt, {}}
 {
     create();
-    describe();
-    describeFrame();
+    X11WindowHints::describe(m_connection, m_window);
+    X11WindowHints::describeFrame(m_connection, m_window, m_committed.frame, m_placement);
+    X11WindowInput::select(m_connection, m_window);
     listen();
     // The render thread draws through a connection of its own, so the window has to be there.
     m_connection.synchronize();
@@ -119,7 +98,7 @@ void X11DesktopWindow::create()
     const std::array<std::uint32_t, 5> values{XCB_BACK_PIXMAP_NONE,
         0,                      // border pixel, because the depth may differ from the root's
         XCB_GRAVITY_NORTH_WEST, // what is shown stays when the size changes
-        XCB_EVENT_MASK_EXPOSURE,
+        XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE,
         visual.colormap};
     xcb_create_window(x11,
         visual.depth,
@@ -137,109 +116,76 @@ void X11DesktopWindow::create()
         values.data());
 }
 
-/// Everything that a window manager reads before it maps the window, and that never changes.
-void X11DesktopWindow::describe()
-{
-    auto* const x11 = m_connection.get();
-    auto& hints = m_connection.hints();
-    const auto set = [&](xcb_atom_t name, xcb_atom_t type, std::string_view text) {
-        xcb_change_property(x11,
-            XCB_PROP_MODE_REPLACE,
-            m_window,
-            name,
-            type,
-            8,
-            static_cast<std::uint32_t>(text.size()),
-            text.data());
-    };
-    set(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, "tavelorhelper\0TavelorHelper\0"sv);
-    set(XCB_ATOM_WM_CLIENT_MACHINE, XCB_ATOM_STRING, QSysInfo::machineHostName().toStdString());
-    set(hints._NET_WM_NAME, hints.UTF8_STRING, "TavelorHelper"sv);
-    xcb_ewmh_set_wm_pid(&hints, m_window, static_cast<std::uint32_t>(getpid()));
-    xcb_ewmh_set_wm_window_type(&hints, m_window, 1, &hints._NET_WM_WINDOW_TYPE_DESKTOP);
-    // Offered, so that a request to close the window is sent to us, who ignore it; a client that
-    // does not offer it is killed instead.
-    auto closing = m_connection.atom("WM_DELETE_WINDOW");
-    xcb_icccm_set_wm_protocols(x11, m_window, hints.WM_PROTOCOLS, 1, &closing);
-    // Motif's way of asking for no frame; some window managers put one around any type.
-    constexpr std::uint32_t decorationsAreGiven = 2;
-    const std::array<std::uint32_t, 5> noDecorations{decorationsAreGiven, 0, 0, 0, 0};
-    const auto motifHints = m_connection.atom("_MOTIF_WM_HINTS");
-    xcb_change_property(x11,
-        XCB_PROP_MODE_REPLACE,
-        m_window,
-        motifHints,
-        motifHints,
-        32,
-        noDecorations.size(),
-        noDecorations.data());
-
-    xcb_icccm_wm_hints_t manners{};
-    xcb_icccm_wm_hints_set_input(&manners, 0);
-    xcb_icccm_wm_hints_set_normal(&manners);
-    xcb_icccm_set_wm_hints(x11, m_window, &manners);
-}
-
-/// Without them a window manager may place the window on another monitor.
-void X11DesktopWindow::describeFrame()
-{
-    const auto& frame = m_committed.frame;
-    xcb_size_hints_t size{};
-    xcb_icccm_size_hints_set_position(&size, 1, frame.x(), frame.y());
-    xcb_icccm_size_hints_set_size(&size, 1, frame.width(), frame.height());
-    xcb_icccm_size_hints_set_win_gravity(&size, XCB_GRAVITY_STATIC);
-    xcb_icccm_set_wm_normal_hints(m_connection.get(), m_window, &size);
-}
-
 void X11DesktopWindow::listen()
 {
     m_events =
         m_connection.watch(m_window, [this](const xcb_generic_event_t& event) { handle(event); });
-    // Grabs and not an event mask, because a window manager may have some of the buttons already:
-    // then only those fail.
-    for (const auto button : {primaryButton, middleButton, secondaryButton}) {
-        xcb_grab_button(m_connection.get(),
-            0,
-            m_window,
-            XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
-            XCB_GRAB_MODE_ASYNC,
-            XCB_GRAB_MODE_ASYNC,
-            XCB_NONE,
-            XCB_NONE,
-            button,
-            XCB_MOD_MASK_ANY);
-    }
-    selectTouches(m_connection.get(), m_window);
+    m_withdrawal.setSingleShot(true);
+    m_withdrawal.callOnTimeout([this] { showAgain(); });
     m_managerChanges =
-        observe(m_windowManager, &X11WindowManager::desktopWindowSupportChanged, [this] {
+        observe(m_services.windowManager, &X11WindowManager::desktopWindowSupportChanged, [this] {
             if (m_isMapped)
                 unmap();
-            showOrHide(true);
-            xcb_flush(m_connection.get());
+            showAgain();
         });
+    m_placementChanges =
+        observe(m_services.placements, &X11Placements::changed, [this] { followPlacement(); });
+    m_iconChanges = observe(m_services.icons, &X11DesktopIcons::areaChanged, [this] { shape(); });
+    m_presses = observe(m_services.presses, &X11DesktopPresses::pressed, [this](QPoint point) {
+        if (views() && m_listening && m_shown && m_committed.frame.contains(point))
+            views()->press(point - m_committed.frame.topLeft());
+    });
+    m_releases = observe(m_services.presses, &X11DesktopPresses::released, [this](QPoint point) {
+        if (views() && m_listening)
+            views()->release(point - m_committed.frame.topLeft());
+    });
 }
 
 void X11DesktopWindow::handle(const xcb_generic_event_t& event)
 {
-    if (!views())
-        return;
+    constexpr std::uint8_t sentByClient = 0x80;
+    switch (event.response_type & static_cast<std::uint8_t>(~sentByClient)) {
+    case XCB_MAP_NOTIFY:
+        noteShown();
+        break;
+    case XCB_UNMAP_NOTIFY: // also by a window manager that shows the bare desktop, or reparents
+        m_shown.reset();
+        tellTargetChange();
+        break;
+    case XCB_PROPERTY_NOTIFY:
+        if (m_withdrawal.isActive() &&
+            reinterpret_cast<const xcb_property_notify_event_t&>(event).atom ==
+                m_connection.atom("WM_STATE"))
+            m_withdrawal.start(endOfWithdrawal);
+        break;
+    default:
+        if (views())
+            handleForViews(event);
+        break;
+    }
+}
+
+void X11DesktopWindow::handleForViews(const xcb_generic_event_t& event)
+{
     switch (event.response_type & 0x7f) {
     case XCB_EXPOSE: {
         const auto& area = reinterpret_cast<const xcb_expose_event_t&>(event);
+        m_services.occlusion.noteExposed(m_window);
         views()->expose({area.x, area.y, area.width, area.height});
         break;
     }
     case XCB_BUTTON_PRESS: {
         const auto& button = reinterpret_cast<const xcb_button_press_event_t&>(event);
-        if (button.detail == primaryButton)
+        if (button.detail == X11WindowInput::primaryButton)
             views()->press({button.event_x, button.event_y});
         else
-            passToRoot(button);
+            X11WindowInput::passOn(
+                m_connection, desktopBelow({button.root_x, button.root_y}), button);
         break;
     }
     case XCB_BUTTON_RELEASE: {
         const auto& button = reinterpret_cast<const xcb_button_release_event_t&>(event);
-        if (button.detail == primaryButton)
+        if (button.detail == X11WindowInput::primaryButton)
             views()->release({button.event_x, button.event_y});
         break;
     }
@@ -255,23 +201,12 @@ void X11DesktopWindow::handle(const xcb_generic_event_t& event)
     }
 }
 
-/// The root window's menus, which many window managers have, shall open on the wallpaper as they do
-/// on a bare desktop.
-void X11DesktopWindow::passToRoot(const xcb_button_press_event_t& button)
+/// Null where there is none, or where it is in front of us and lets the press through.
+const X11ForeignDesktop* X11DesktopWindow::desktopBelow(const QPoint& point) const
 {
-    auto* const x11 = m_connection.get();
-    xcb_ungrab_pointer(x11, button.time); // or the menu could not take it
-    auto passed = button;
-    passed.event = m_connection.root();
-    passed.child = XCB_NONE;
-    passed.event_x = button.root_x;
-    passed.event_y = button.root_y;
-    xcb_send_event(x11,
-        0,
-        m_connection.root(),
-        XCB_EVENT_MASK_BUTTON_PRESS,
-        reinterpret_cast<const char*>(&passed));
-    xcb_flush(x11);
+    const bool isInFront =
+        m_placement == Placement::InFront || m_committed.order == StackingOrder::Front;
+    return isInFront ? m_services.desktops.at(point) : nullptr;
 }
 
 void X11DesktopWindow::commit(const WindowState& wish, bool isOrderedAnew)
@@ -280,13 +215,15 @@ void X11DesktopWindow::commit(const WindowState& wish, bool isOrderedAnew)
     if (former.frame != wish.frame)
         moveTo(wish.frame);
     if (former.behavior != wish.behavior && m_isMapped)
-        describeBehavior();
+        X11WindowHints::describeLayer(m_connection, m_window, m_placement, wish.behavior);
     showOrHide(isOrderedAnew);
+    followPlacement();
+    shape();
 }
 
 void X11DesktopWindow::moveTo(const QRect& frame)
 {
-    describeFrame();
+    X11WindowHints::describeFrame(m_connection, m_window, frame, m_placement);
     const std::array<std::uint32_t, 4> values{static_cast<std::uint32_t>(frame.x()),
         static_cast<std::uint32_t>(frame.y()),
         static_cast<std::uint32_t>(frame.width()),
@@ -301,6 +238,8 @@ void X11DesktopWindow::moveTo(const QRect& frame)
 
 FrameTarget X11DesktopWindow::target(const QRect& viewFrame) const
 {
+    if (!m_shown || m_isCovered)
+        return {}; // nobody would see it
     return {m_surface, m_committed.frame.size(), viewFrame, 1};
 }
 
@@ -308,7 +247,7 @@ void X11DesktopWindow::showOrHide(bool isOrderedAnew)
 {
     const auto& order = m_committed.order;
     const bool wasMapped = m_isMapped;
-    if (order && !m_isMapped)
+    if (order && !m_isMapped && !m_withdrawal.isActive())
         map();
     if (order && m_isMapped && (isOrderedAnew || !wasMapped))
         restack(*order);
@@ -316,43 +255,131 @@ void X11DesktopWindow::showOrHide(bool isOrderedAnew)
         unmap();
 }
 
+void X11DesktopWindow::showAgain()
+{
+    showOrHide(true);
+    shape();
+    xcb_flush(m_connection.get());
+}
+
+/// Window managers look at the type when a window comes, so it comes anew.
+void X11DesktopWindow::followPlacement()
+{
+    if (!m_isMapped || !m_isManaged || m_services.placements.of(m_committed.frame) == m_placement)
+        return;
+    unmap();
+    showAgain();
+}
+
 void X11DesktopWindow::map()
 {
     using DesktopWindowSupport = X11WindowManager::DesktopWindowSupport;
-    if (m_windowManager.desktopWindowSupport() == DesktopWindowSupport::Impossible)
+    const auto support = m_services.windowManager.desktopWindowSupport();
+    if (support == DesktopWindowSupport::Impossible)
         return;
     m_isMapped = true;
-    m_isManaged = m_windowManager.desktopWindowSupport() == DesktopWindowSupport::Managed;
+    m_isManaged = support == DesktopWindowSupport::Managed;
+    m_placement = m_isManaged ? m_services.placements.of(m_committed.frame) : Placement::Behind;
     const std::uint32_t bypasses = m_isManaged ? 0 : 1;
     xcb_change_window_attributes(m_connection.get(), m_window, XCB_CW_OVERRIDE_REDIRECT, &bypasses);
-    describeBehavior();
+    X11WindowHints::describeFrame(m_connection, m_window, m_committed.frame, m_placement);
+    X11WindowHints::describeLayer(m_connection, m_window, m_placement, m_committed.behavior);
     // Below everything from the first moment; who maps in front is raised afterwards.
     restack(StackingOrder::Back);
     xcb_map_window(m_connection.get(), m_window);
-    m_shown = m_occlusion.add(m_window);
 }
 
-/// Each time anew: window managers remove these properties when a window is withdrawn.
-void X11DesktopWindow::describeBehavior()
+void X11DesktopWindow::noteShown()
 {
-    auto& hints = m_connection.hints();
-    if (contains(m_committed.behavior, WindowCollectionBehavior::CanJoinAllSpaces)) {
-        constexpr std::uint32_t allDesktops = 0xffffffff;
-        xcb_ewmh_set_wm_desktop(&hints, m_window, allDesktops);
+    m_isCovered = false;
+    m_shown.reset();
+    m_shown = m_services.occlusion.add(m_window, [this](bool isCovered) {
+        m_isCovered = isCovered;
+        tellTargetChange();
+    });
+    letInputThrough(m_placement == Placement::InFront);
+    tellTargetChange();
+}
+
+/// In front of another program's desktop, whose menus and icons shall be used as ever. Only while
+/// mapped: before, xfwm4 and openbox lose it.
+void X11DesktopWindow::letInputThrough(bool doesLetThrough)
+{
+    if (!hasExtension(m_connection.get(), xcb_shape_id))
+        return;
+    if (!doesLetThrough) {
+        m_listening.reset();
+        xcb_shape_mask(m_connection.get(),
+            XCB_SHAPE_SO_SET,
+            XCB_SHAPE_SK_INPUT,
+            m_window,
+            0,
+            0,
+            XCB_PIXMAP_NONE);
+        return;
     }
-    if (contains(m_committed.behavior, WindowCollectionBehavior::Transient)) {
-        // The state "below" is left alone on purpose: mutter tests it before the type and would
-        // lift the window above the desktop's icons.
-        std::array states{hints._NET_WM_STATE_SKIP_TASKBAR, hints._NET_WM_STATE_SKIP_PAGER};
-        xcb_ewmh_set_wm_state(&hints, m_window, states.size(), states.data());
+    m_listening = m_services.presses.listen();
+    xcb_shape_rectangles(m_connection.get(),
+        XCB_SHAPE_SO_SET,
+        XCB_SHAPE_SK_INPUT,
+        XCB_CLIP_ORDERING_UNSORTED,
+        m_window,
+        0,
+        0,
+        0,
+        nullptr);
+}
+
+/// The icons of the desktop behind us are seen through holes.
+void X11DesktopWindow::shape()
+{
+    const bool isInFront = m_isMapped && m_placement == Placement::InFront;
+    if (!isInFront || m_committed.order != StackingOrder::Back)
+        m_following.reset();
+    else if (!m_following)
+        m_following = m_services.icons.follow();
+    const auto holes =
+        m_following
+            ? (m_services.icons.area() & m_committed.frame).translated(-m_committed.frame.topLeft())
+            : QRegion();
+    const QRect all(QPoint(), m_committed.frame.size());
+    const auto shape = holes.isEmpty() ? QRegion() : QRegion(all) - holes;
+    if (std::exchange(m_shape, shape) == shape)
+        return;
+    if (shape.isEmpty()) {
+        xcb_shape_mask(m_connection.get(),
+            XCB_SHAPE_SO_SET,
+            XCB_SHAPE_SK_BOUNDING,
+            m_window,
+            0,
+            0,
+            XCB_PIXMAP_NONE);
+        return;
     }
+    std::vector<xcb_rectangle_t> rectangles;
+    for (const auto& part : shape)
+        rectangles.push_back({static_cast<std::int16_t>(part.x()),
+            static_cast<std::int16_t>(part.y()),
+            static_cast<std::uint16_t>(part.width()),
+            static_cast<std::uint16_t>(part.height())});
+    xcb_shape_rectangles(m_connection.get(),
+        XCB_SHAPE_SO_SET,
+        XCB_SHAPE_SK_BOUNDING,
+        XCB_CLIP_ORDERING_YX_BANDED,
+        m_window,
+        0,
+        0,
+        static_cast<std::uint32_t>(rectangles.size()),
+        rectangles.data());
+    xcb_flush(m_connection.get());
 }
 
 void X11DesktopWindow::restack(StackingOrder order)
 {
-    if (!m_isManaged && order == StackingOrder::Front) {
-        // Nobody keeps such a window within a layer, and the top of the stack would cover
-        // people's windows. Where no desktop type is known, nothing draws icons either.
+    if ((!m_isManaged || m_placement == Placement::InFront) && order == StackingOrder::Front) {
+        // Nobody keeps a window that bypasses the window manager within a layer, and the top of the
+        // stack would cover people's windows. Where no desktop type is known, nothing draws icons
+        // either; and in front of a desktop it covers the icons anyway.
         order = StackingOrder::Back;
     }
     const std::uint32_t mode =
@@ -362,8 +389,11 @@ void X11DesktopWindow::restack(StackingOrder order)
 
 void X11DesktopWindow::unmap()
 {
+    using DesktopWindowSupport = X11WindowManager::DesktopWindowSupport;
     m_isMapped = false;
     m_shown.reset();
+    m_listening.reset();
+    tellTargetChange();
     xcb_unmap_window(m_connection.get(), m_window);
     if (!m_isManaged)
         return;
@@ -377,4 +407,7 @@ void X11DesktopWindow::unmap()
         m_connection.root(),
         XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
         reinterpret_cast<const char*>(&notice));
+    // It removes what describes the window when it reads that, which is not to be lost.
+    if (m_services.windowManager.desktopWindowSupport() == DesktopWindowSupport::Managed)
+        m_withdrawal.start(longestWithdrawal);
 }

@@ -17,6 +17,10 @@ std::unique_ptr<X11Display> X11Display::open()
 X11Display::X11Display(std::unique_ptr<X11Connection> connection)
     : m_connection(std::move(connection)),
       m_windowManager(*m_connection),
+      m_foreignDesktops(*m_connection, m_windowManager),
+      m_placements(m_foreignDesktops, m_windowManager),
+      m_presses(*m_connection, m_foreignDesktops),
+      m_icons(*m_connection, m_foreignDesktops),
       m_occlusion(*m_connection, m_windowManager)
 {
     connect(m_connection.get(), &X11Connection::lost, this, &DisplayServer::lost);
@@ -31,6 +35,7 @@ X11Display::X11Display(std::unique_ptr<X11Connection> connection)
             Q_EMIT activeSpaceChanged();
     });
     connect(&m_occlusion, &X11Occlusion::changed, this, &DisplayServer::occlusionChanged);
+    connect(&m_icons, &X11DesktopIcons::problemChanged, this, &DisplayServer::problemChanged);
     connect(&m_windowManager, &X11WindowManager::desktopWindowSupportChanged, this, [this] {
         if (std::exchange(m_couldPresent, canPresent()) == m_couldPresent)
             return;
@@ -63,7 +68,7 @@ QString X11Display::problem() const
 {
     return isImpossible() ? u"This Wayland compositor would show the wallpaper above all windows, "
                             "so it stays hidden."_s
-                          : QString();
+                          : m_icons.problem();
 }
 
 bool X11Display::canPresent() const
@@ -78,8 +83,15 @@ std::unique_ptr<FramePresenter> X11Display::makePresenter()
 
 std::unique_ptr<NativeWindow> X11Display::makeWindow(const Screen& screen, const WindowState& wish)
 {
-    return std::make_unique<X11DesktopWindow>(
-        *m_connection, m_windowManager, m_occlusion, screen, wish);
+    return std::make_unique<X11DesktopWindow>(X11DesktopServices{*m_connection,
+                                                  m_windowManager,
+                                                  m_foreignDesktops,
+                                                  m_placements,
+                                                  m_presses,
+                                                  m_icons,
+                                                  m_occlusion},
+        screen,
+        wish);
 }
 
 void X11Display::flush()

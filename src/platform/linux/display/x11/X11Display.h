@@ -1,13 +1,13 @@
 #pragma once
 
-#include "base/Disposable.h"
 #include "platform/linux/display/DisplayServer.h"
 #include "platform/linux/display/x11/X11Connection.h"
+#include "platform/linux/display/x11/X11DesktopIcons.h"
+#include "platform/linux/display/x11/X11DesktopPresses.h"
+#include "platform/linux/display/x11/X11ForeignDesktops.h"
 #include "platform/linux/display/x11/X11Occlusion.h"
+#include "platform/linux/display/x11/X11Placements.h"
 #include "platform/linux/display/x11/X11WindowManager.h"
-
-#include <memory>
-#include <vector>
 
 /// An X server, with the window manager that runs on it.
 class X11Display : public DisplayServer {
@@ -33,6 +33,10 @@ private:
 
     std::unique_ptr<X11Connection> m_connection;
     X11WindowManager m_windowManager;
+    X11ForeignDesktops m_foreignDesktops;
+    X11Placements m_placements;
+    X11DesktopPresses m_presses;
+    X11DesktopIcons m_icons;
     X11Occlusion m_occlusion;
     bool m_couldPresent = false;
 };

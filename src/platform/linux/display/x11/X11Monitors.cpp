@@ -8,16 +8,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-bool knowsMonitors(xcb_connection_t* connection)
-{
-    if (!hasExtension(connection, xcb_randr_id))
-        return false;
-    const auto version = own(xcb_randr_query_version_reply(
-        connection, xcb_randr_query_version(connection, 1, 5), nullptr));
-    return version && (version->major_version > 1 ||
-                          (version->major_version == 1 && version->minor_version >= 5));
-}
-
 Screen wholeRoot(const X11Connection& x11)
 {
     const auto& screen = x11.screen();
@@ -28,7 +18,7 @@ Screen wholeRoot(const X11Connection& x11)
 
 std::vector<Screen> X11Monitors::read(X11Connection& x11)
 {
-    if (!knowsMonitors(x11.get()))
+    if (!x11.knowsMonitors())
         return {wholeRoot(x11)};
     const auto reply = own(xcb_randr_get_monitors_reply(
         x11.get(), xcb_randr_get_monitors(x11.get(), x11.root(), 1), nullptr));

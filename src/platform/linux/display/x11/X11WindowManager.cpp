@@ -22,14 +22,30 @@ bool isXwayland(X11Connection& x11)
         [](const Screen& monitor) { return monitor.name.startsWith(u"XWAYLAND"); });
 }
 
+QByteArray readName(X11Connection& x11, xcb_window_t checkWindow)
+{
+    constexpr std::uint32_t longestInWords = 64;
+    const auto& hints = x11.hints();
+    const auto cookie = xcb_get_property(
+        x11.get(), 0, checkWindow, hints._NET_WM_NAME, hints.UTF8_STRING, 0, longestInWords);
+    const auto reply = own(xcb_get_property_reply(x11.get(), cookie, nullptr));
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+        xcb_get_property_value_length(reply.get())};
+}
+
 } // namespace
 
 X11WindowManager::X11WindowManager(X11Connection& connection)
     : m_connection(connection), m_isXwayland(isXwayland(connection)), m_settling(300ms, [this] {
           const auto before = m_desktopWindowSupport;
+          const auto nameBefore = m_name;
           probe();
           if (m_desktopWindowSupport != before)
               Q_EMIT desktopWindowSupportChanged();
+          else if (m_name != nameBefore)
+              Q_EMIT nameChanged();
       })
 {
     probe();
@@ -55,11 +71,13 @@ xcb_window_t X11WindowManager::checkWindow()
 void X11WindowManager::probe()
 {
     m_checkWindowWatch.reset();
+    m_name.clear();
     m_desktopWindowSupport =
         m_isXwayland ? DesktopWindowSupport::Impossible : DesktopWindowSupport::Bypassing;
     const auto window = checkWindow();
     if (window == XCB_NONE)
         return;
+    m_name = readName(m_connection, window);
 
     // One that is killed leaves its properties behind, but not its window.
     m_checkWindowWatch = m_connection.watch(window, [this](const xcb_generic_event_t& event) {

@@ -4,6 +4,7 @@
 #include "base/Disposable.h"
 #include "platform/linux/display/x11/X11Connection.h"
 
+#include <QByteArray>
 #include <QObject>
 
 #include <optional>
@@ -28,11 +29,16 @@ public:
     };
     DesktopWindowSupport desktopWindowSupport() const { return m_desktopWindowSupport; }
 
+    /// What it calls itself, empty where it does not.
+    const QByteArray& name() const { return m_name; }
+
     /// Whether one runs now that lists this among what it supports. Asks the server.
     bool supports(xcb_atom_t hint);
 
 Q_SIGNALS:
     void desktopWindowSupportChanged();
+    /// Another one of the same kind runs.
+    void nameChanged();
 
 private:
     void probe();
@@ -41,6 +47,7 @@ private:
     X11Connection& m_connection;
     bool m_isXwayland;
     DesktopWindowSupport m_desktopWindowSupport = DesktopWindowSupport::Bypassing;
+    QByteArray m_name;
     Debounce m_settling; // a window manager sets its properties one after the other
     std::optional<Disposable> m_checkWindowWatch;
 };

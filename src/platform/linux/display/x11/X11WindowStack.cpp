@@ -207,7 +207,7 @@ std::vector<StackedWindow> X11WindowStack::read(
         if (!ours.contains(windows[i]))
             stack.push_back({StackedWindow::Kind::Foreign, judge.opaqueArea(knowledge)});
         else if (knowledge.isVisible())
-            stack.push_back({StackedWindow::Kind::Ours, knowledge.frame()});
+            stack.push_back({StackedWindow::Kind::Ours, knowledge.frame(), windows[i]});
     }
     return stack;
 }

@@ -1,0 +1,11 @@
+#include "platform/linux/video/Holds.h"
+
+#include <utility>
+
+void Holds::set(Reason reason, bool holds)
+{
+    const auto bit = static_cast<unsigned>(reason);
+    const auto reasons = holds ? m_reasons | bit : m_reasons & ~bit;
+    if (std::exchange(m_reasons, reasons) != reasons)
+        Q_EMIT changed();
+}
