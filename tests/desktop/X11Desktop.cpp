@@ -140,6 +140,22 @@ void X11Desktop::click(const QPoint& point, std::uint8_t button) const
     xcb_flush(connection());
 }
 
+void X11Desktop::paint(const QRect& area, const QColor& colour) const
+{
+    const auto context = xcb_generate_id(connection());
+    const std::array<std::uint32_t, 2> values{
+        colour.rgb() & 0xffffff, XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS};
+    xcb_create_gc(
+        connection(), context, root(), XCB_GC_FOREGROUND | XCB_GC_SUBWINDOW_MODE, values.data());
+    const xcb_rectangle_t rectangle{static_cast<std::int16_t>(area.x()),
+        static_cast<std::int16_t>(area.y()),
+        word(area.width()),
+        word(area.height())};
+    xcb_poly_fill_rectangle(connection(), root(), context, 1, &rectangle);
+    xcb_free_gc(connection(), context);
+    xcb_flush(connection());
+}
+
 void X11Desktop::pressKey(std::uint8_t keyCode) const
 {
     for (const auto type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {

@@ -34,6 +34,8 @@ public:
     void pressKey(std::uint8_t keyCode) const;
     /// What the server shows there; the whole of it for no area. Null where it shows nothing.
     QImage picture(const QRect& area = {}) const;
+    /// Over the windows that are there.
+    void paint(const QRect& area, const QColor& colour) const;
     void cover(const QColor& colour) override;
     void uncover() override { closeWindow(m_cover); }
 

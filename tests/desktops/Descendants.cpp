@@ -5,6 +5,7 @@
 #include <QDir>
 
 #include <csignal>
+#include <ctime>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,11 +14,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// From the state on, see proc(5).
-QList<QByteArray> status(qint64 process)
+pid_t parentOf(pid_t process)
 {
-    const auto text = TemporaryHome::contents(u"/proc/%1/stat"_s.arg(process));
-    return text.mid(text.lastIndexOf(')') + 2).split(' ');
+    const auto status = TemporaryHome::contents(u"/proc/%1/stat"_s.arg(process));
+    return status.mid(status.lastIndexOf(')')).split(' ').value(2).toInt(); // see proc(5)
 }
 
 } // namespace
@@ -34,7 +34,7 @@ void Descendants::endAll()
         isAny = false;
         for (const auto& name : QDir(u"/proc"_s).entryList(QDir::Dirs)) {
             const auto process = name.toInt();
-            if (process <= 0 || status(process).value(1).toInt() != getpid())
+            if (process <= 0 || parentOf(process) != getpid())
                 continue;
             kill(process, SIGKILL);
             isAny = waitpid(process, nullptr, 0) > 0 || isAny;
@@ -44,7 +44,10 @@ void Descendants::endAll()
 
 double Descendants::processorSeconds(qint64 process)
 {
-    const auto fields = status(process);
-    return static_cast<double>(fields.value(11).toLongLong() + fields.value(12).toLongLong()) /
-           static_cast<double>(sysconf(_SC_CLK_TCK));
+    clockid_t clock{};
+    timespec used{};
+    if (clock_getcpuclockid(static_cast<pid_t>(process), &clock) != 0 ||
+        clock_gettime(clock, &used) != 0)
+        return 0;
+    return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) / 1e9;
 }

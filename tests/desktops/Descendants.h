@@ -10,7 +10,7 @@ void adopt();
 /// Ends them all at once, and waits for it.
 void endAll();
 
-/// What a process and its threads have used so far; 0 for none.
+/// What any process and its threads have used so far, to the nanosecond; 0 for none.
 double processorSeconds(qint64 process);
 
 } // namespace Descendants

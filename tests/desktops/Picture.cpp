@@ -5,6 +5,13 @@ namespace {
 constexpr int low = 40;
 constexpr int high = 215;
 
+bool isAlike(QRgb one, QRgb other)
+{
+    constexpr int shade = 8;
+    return qAbs(qRed(one) - qRed(other)) <= shade && qAbs(qGreen(one) - qGreen(other)) <= shade &&
+           qAbs(qBlue(one) - qBlue(other)) <= shade;
+}
+
 } // namespace
 
 bool Picture::isRed(QRgb pixel)
@@ -37,7 +44,7 @@ Picture::Difference Picture::difference(const QImage& one, const QImage& other, 
     Difference found;
     for (int y = area.top(); y <= area.bottom(); ++y) {
         for (int x = area.left(); x <= area.right(); ++x) {
-            if (one.pixel(x, y) == other.pixel(x, y))
+            if (isAlike(one.pixel(x, y), other.pixel(x, y)))
                 continue;
             found.bounds |= QRect(x, y, 1, 1);
             ++found.pixels;

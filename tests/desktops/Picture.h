@@ -23,6 +23,7 @@ struct Difference {
     QRect bounds; ///< null for none
     int pixels = 0;
 };
+/// To the eye: a video's frames of one colour are not quite the same.
 Difference difference(const QImage& one, const QImage& other, const QRect& area);
 
 } // namespace Picture

@@ -1,6 +1,7 @@
 #include "desktops/TestedDesktop.h"
 
 #include "desktops/Descendants.h"
+#include "desktops/Picture.h"
 #include "support/ChildProcess.h"
 #include "support/TemporaryHome.h"
 
@@ -83,7 +84,7 @@ bool TestedDesktop::waitUntilAtRest() const
     const auto isThere = [this] { return isShellThere(); };
     if (!QTest::qWaitFor(isThere, 30'000))
         return false;
-    auto picture = screen().picture(workArea());
+    auto picture = screen().picture();
     auto used = Descendants::processorSeconds(shellProcess());
     QElapsedTimer patience;
     QElapsedTimer rest;
@@ -91,10 +92,11 @@ bool TestedDesktop::waitUntilAtRest() const
     rest.start();
     while (rest.elapsed() < 1000 && patience.elapsed() < 30'000) {
         QTest::qWait(100);
-        const auto laterPicture = screen().picture(workArea());
+        const auto laterPicture = screen().picture();
         const auto laterUse = Descendants::processorSeconds(shellProcess());
         constexpr auto idle = 0.05; // of a core, more or less: one takes a picture of it meanwhile
-        if (laterPicture != picture || laterUse - used > idle) {
+        const auto change = Picture::difference(picture, laterPicture, workArea());
+        if (change.pixels > 0 || laterUse - used > idle) {
             picture = laterPicture;
             used = laterUse;
             rest.restart();

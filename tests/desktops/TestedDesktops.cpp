@@ -86,8 +86,11 @@ public:
     const X11Desktop& screen() const override { return m_desktop.screen(); }
     void setMonitors(VirtualDesktop::Monitors monitors) override
     {
-        killProgram();
+        const auto before = m_desktop.compositorProcess();
         m_desktop.setMonitors(monitors);
+        if (m_desktop.compositorProcess() == before)
+            return;
+        killProgram();
         announceEnvironment();
         startShell();
         waitUntilAtRest();
@@ -122,12 +125,15 @@ private:
                         QString::number(monitors),
                         socket())
                     .split(u' '),
-                environment};
+                environment,
+                monitors,
+                u"kscreen-doctor output.2.disable"_s,
+                u"kscreen-doctor output.2.enable"_s};
         }
         environment.insert(u"MUTTER_DEBUG_DUMMY_MODE_SPECS"_s, u"%1x720"_s.arg(width));
         environment.insert(u"MUTTER_DEBUG_NUM_DUMMY_MONITORS"_s, QString::number(monitors));
         const auto arguments = u"--nested --wayland --wayland-display wayland"_s;
-        return {u"mutter"_s, arguments.split(u' '), environment};
+        return {u"mutter"_s, arguments.split(u' '), environment, 1, {}, {}};
     }
 
     QProcessEnvironment display(const QByteArray& said) const
