@@ -26,6 +26,15 @@ bool becomes(const std::function<bool()>& isSo)
     return QTest::qWaitFor(isSo, patience);
 }
 
+/// For those who wonder about an answer: in the folder TAVELOR_TEST_PICTURES, if there is one.
+void keep(const QImage& picture, const QString& name)
+{
+    static int number = 0;
+    const auto folder = qEnvironmentVariable("TAVELOR_TEST_PICTURES");
+    if (!folder.isEmpty())
+        picture.save(u"%1/%2-%3.png"_s.arg(folder, name).arg(++number));
+}
+
 /// The helper on the desktop, with a red video.
 class PlayingHelper {
 public:
@@ -36,7 +45,7 @@ public:
     /// What it complains about belongs to the desktop, whose services are not all there.
     ~PlayingHelper()
     {
-        keepPicture();
+        keep(picture(), m_desktop.description().name);
         m_helper.process().terminate();
         m_helper.waitForEnd();
         const auto said = m_helper.process().readAllStandardError();
@@ -59,16 +68,6 @@ public:
     QImage picture() const { return m_desktop.screen().picture(); }
 
 private:
-    /// What is seen at the end of each check, for those who wonder about an answer.
-    void keepPicture() const
-    {
-        static int number = 0;
-        const auto folder = qEnvironmentVariable("TAVELOR_TEST_PICTURES");
-        const auto file = u"%1-%2.png"_s.arg(m_desktop.description().name).arg(++number);
-        if (!folder.isEmpty())
-            picture().save(folder + u'/' + file);
-    }
-
     TestedDesktop& m_desktop;
     HelperProcess m_helper;
 };
@@ -90,9 +89,11 @@ QRect menuAtFreeSpot(const TestedDesktop& desktop)
 {
     const auto& screen = desktop.screen();
     const auto before = screen.picture();
+    // Not at the left, where the click may select or leave an icon.
+    const auto around = desktop.workArea() & QRect(400, 0, 800, 720);
     Picture::Difference menu;
     const auto look = [&] {
-        menu = Picture::difference(before, screen.picture(), desktop.workArea());
+        menu = Picture::difference(before, screen.picture(), around);
         return menu.pixels;
     };
     screen.click(freeSpot, secondaryButton);
@@ -101,27 +102,42 @@ QRect menuAtFreeSpot(const TestedDesktop& desktop)
         return {};
     desktop.waitUntilAtRest(); // menus may fade in
     look();
+    keep(screen.picture(), desktop.description().name + u"-menu"_s);
     const auto bounds = menu.bounds;
     screen.pressKey(escape);
     return becomes([&] { return look() < least; }) ? bounds : QRect();
 }
 
-Cell pictureWhenStartedLast(const Stage& stage)
+Cell pictureIsShown(const Stage& stage)
 {
     PlayingHelper helper(stage.desktop);
     return Cell::of(helper.start());
 }
 
-Cell pictureWhenStartedFirst(const Stage& stage)
+Cell helperMayBeFirst(const Stage& stage)
 {
     const auto& description = stage.desktop.description();
     if (!description.whyNoEarlyStart.isNull())
         return Cell::none(description.whyNoEarlyStart);
+    bool hasIcons = false;
+    {
+        PlayingHelper helper(stage.desktop);
+        hasIcons = helper.start() && becomes([&] { return hasIcon(stage, helper); });
+    }
     stage.desktop.killShell();
-    PlayingHelper helper(stage.desktop);
-    const bool wasShown = helper.start();
+    bool isSo = false;
+    {
+        PlayingHelper helper(stage.desktop);
+        isSo = helper.start();
+        stage.desktop.startShell();
+        isSo = isSo && stage.desktop.waitUntilAtRest() && helper.isShown() &&
+               (!hasIcons || becomes([&] { return hasIcon(stage, helper); }));
+    }
+    // As it was, because some desktop programs go on differently.
+    stage.desktop.killShell();
     stage.desktop.startShell();
-    return Cell::of(wasShown && stage.desktop.waitUntilAtRest() && helper.isShown());
+    stage.desktop.waitUntilAtRest();
+    return Cell::of(isSo);
 }
 
 Cell iconsInFront(const Stage& stage)
@@ -260,15 +276,16 @@ Cell coveredCostsNothing(const Stage& stage)
     PlayingHelper helper(stage.desktop);
     if (!helper.start() || !cover(stage.desktop))
         return Cell::of(false);
-    constexpr double most = 0.002; // of a core
-    constexpr int seconds = 5;
-    double share = 1;
-    for (int i = 0; i < 2 && share > most; ++i) { // the first time it may have to notice
-        const auto process = helper.process().process().processId();
+    const auto process = helper.process().process().processId();
+    const auto shareDuring = [process](int seconds) {
         const auto before = Descendants::processorSeconds(process);
         QTest::qWait(seconds * 1000);
-        share = (Descendants::processorSeconds(process) - before) / seconds;
-    }
+        return (Descendants::processorSeconds(process) - before) / seconds;
+    };
+    constexpr double most = 0.002;                               // of a core
+    for (int patient = 5; patient > 0 && shareDuring(1) > most;) // it may take a while to notice
+        --patient;
+    const auto share = shareDuring(5);
     stage.desktop.uncoverAll();
     qInfo("covered: %.3f %% of a core", share * 100);
     return Cell::of(share <= most);
@@ -302,7 +319,7 @@ Cell shellMayRestart(const Stage& stage)
     PlayingHelper helper(stage.desktop);
     if (!helper.start())
         return Cell::of(false);
-    const bool hadIcon = !stage.bare.icon.isNull() && hasIcon(stage, helper);
+    const bool hadIcon = becomes([&] { return hasIcon(stage, helper); });
     stage.desktop.killShell();
     stage.desktop.startShell();
     return Cell::of(stage.desktop.waitUntilAtRest() && becomes([&] { return helper.isShown(); }) &&
@@ -343,8 +360,7 @@ Stage prepare(TestedDesktop& desktop)
 const std::vector<Check>& allChecks()
 {
     static const std::vector<Check> checks{
-        {u"The video is shown"_s, pictureWhenStartedLast},
-        {u"... also when the helper was there first"_s, pictureWhenStartedFirst},
+        {u"The video is shown"_s, pictureIsShown},
         {u"Icons stay in front"_s, iconsInFront},
         {u"\"Hide Desktop Icon\" hides them"_s, iconsHidden},
         {u"A right click opens the desktop's menu"_s, menuOpens},
@@ -353,6 +369,7 @@ const std::vector<Check>& allChecks()
         {u"Unplugging and plugging a monitor is followed"_s, pluggingIsFollowed},
         {u"Covered, it costs nothing"_s, coveredCostsNothing},
         {u"Uncovered, it is back at once"_s, uncoveredComesBack},
+        {u"The helper may be there before the desktop"_s, helperMayBeFirst},
         {u"The desktop may be started again"_s, shellMayRestart},
     };
     return checks;
