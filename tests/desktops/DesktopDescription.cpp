@@ -24,7 +24,8 @@ const std::vector<DesktopDescription>& DesktopDescription::all()
             .title = u"i3"_s,
             .windowManager = u"i3"_s,
             .packages = {u"i3-wm"_s},
-            .files = {{u".config/i3/config"_s, "default_border none\n"}}, // or it asks for one
+            // Or it asks for one, and has a bar.
+            .files = {{u".config/i3/config"_s, "# i3 config file (v4)\nfont pango:monospace 8\n"}},
             .whyNoIcons = noIcons,
             .whyNoMenu = noMenu},
         {.name = u"xfce"_s,
