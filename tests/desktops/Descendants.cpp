@@ -46,7 +46,8 @@ double Descendants::processorSeconds(qint64 process)
 {
     clockid_t clock{};
     timespec used{};
-    if (clock_getcpuclockid(static_cast<pid_t>(process), &clock) != 0 ||
+    // 0 would be this process.
+    if (process == 0 || clock_getcpuclockid(static_cast<pid_t>(process), &clock) != 0 ||
         clock_gettime(clock, &used) != 0)
         return 0;
     return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) / 1e9;
