@@ -49,12 +49,12 @@ void X11DesktopIcons::update()
 {
     auto former = std::exchange(m_pictures, {});
     for (const auto& desktop : m_desktops.all()) {
-        if (m_followerCount == 0 || !m_isPossible || desktop.opaqueArea.isEmpty())
-            continue;
+        if (m_followerCount == 0 || !m_isPossible)
+            break;
         auto& picture = former[desktop.window];
-        if (!picture || picture->frame() != desktop.frame)
-            picture = std::make_unique<X11DesktopPicture>(
-                m_connection, desktop.window, desktop.frame, [this] { collect(); });
+        if (!picture || picture->desktop() != desktop)
+            picture =
+                std::make_unique<X11DesktopPicture>(m_connection, desktop, [this] { collect(); });
         m_pictures.emplace(desktop.window, std::move(picture));
     }
     collect();
@@ -75,8 +75,7 @@ void X11DesktopIcons::collect()
 
 QString X11DesktopIcons::currentProblem() const
 {
-    const auto isOpaque = [](const auto& desktop) { return !desktop.opaqueArea.isEmpty(); };
-    if (m_followerCount == 0 || std::ranges::none_of(m_desktops.all(), isOpaque))
+    if (m_followerCount == 0 || m_desktops.all().empty())
         return {};
     if (!m_isPossible)
         return u"The desktop's icons are behind the video: the X server lacks an extension for "

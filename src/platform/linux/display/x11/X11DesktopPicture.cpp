@@ -61,16 +61,13 @@ bool X11DesktopPicture::isPossible(X11Connection& connection)
            (composite->major_version > 0 || composite->minor_version >= 2);
 }
 
-X11DesktopPicture::X11DesktopPicture(X11Connection& connection,
-    xcb_window_t window,
-    const QRect& frame,
-    std::function<void()> changed)
+X11DesktopPicture::X11DesktopPicture(
+    X11Connection& connection, const X11ForeignDesktop& desktop, std::function<void()> changed)
     : m_connection(connection),
-      m_window(window),
-      m_frame(frame),
+      m_desktop(desktop),
       m_changed(std::move(changed)),
       m_damage(xcb_generate_id(connection.get())),
-      m_mask(frame.size()),
+      m_mask(desktop.frame.size()),
       m_settling(
           quiet, [this] { readDamaged(); }, patience),
       m_retrying(
@@ -84,7 +81,7 @@ X11DesktopPicture::~X11DesktopPicture()
 {
     auto* const x11 = m_connection.get();
     xcb_damage_destroy(x11, m_damage);
-    xcb_composite_unredirect_window(x11, m_window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    xcb_composite_unredirect_window(x11, m_desktop.window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
     xcb_flush(x11);
 }
 
@@ -92,8 +89,8 @@ X11DesktopPicture::~X11DesktopPicture()
 void X11DesktopPicture::follow()
 {
     auto* const x11 = m_connection.get();
-    xcb_composite_redirect_window(x11, m_window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-    xcb_damage_create(x11, m_damage, m_window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    xcb_composite_redirect_window(x11, m_desktop.window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+    xcb_damage_create(x11, m_damage, m_desktop.window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
     const auto* extension = xcb_get_extension_data(x11, &xcb_damage_id);
     m_damages = m_connection.watchKind(
         static_cast<std::uint8_t>(extension->first_event + XCB_DAMAGE_NOTIFY),
@@ -115,7 +112,7 @@ void X11DesktopPicture::noteNewBackdrop()
 /// The server tells of each place once, until we have read.
 void X11DesktopPicture::noteDamage(const QRect& area)
 {
-    m_unread += area & QRect(QPoint(), m_frame.size());
+    m_unread += area & QRect(QPoint(), m_desktop.frame.size());
     constexpr int mostParts = 16;
     if (m_unread.rectCount() > mostParts)
         m_unread = m_unread.boundingRect();
@@ -131,7 +128,7 @@ void X11DesktopPicture::readDamaged()
     xcb_damage_subtract(x11, m_damage, XCB_NONE, XCB_NONE);
     // A window that has another size by now has another pixmap.
     const auto picture = xcb_generate_id(x11);
-    xcb_composite_name_window_pixmap(x11, m_window, picture);
+    xcb_composite_name_window_pixmap(x11, m_desktop.window, picture);
     const bool wasKnown = !std::holds_alternative<std::monostate>(m_backdrop);
     m_isUnderstood = wasKnown ? readParts(picture) : readAll(picture);
     xcb_free_pixmap(x11, picture);
@@ -141,73 +138,71 @@ void X11DesktopPicture::readDamaged()
         if (wasKnown)
             m_retrying.call(); // it may be another one now
     }
-    m_icons =
-        m_isUnderstood ? m_mask.region(mostRectangles).translated(m_frame.topLeft()) : QRegion();
+    m_icons = m_isUnderstood ? m_mask.region(mostRectangles).translated(m_desktop.frame.topLeft())
+                             : QRegion();
     m_changed();
 }
 
-/// The backdrop is the root window's, or else one colour.
+/// The backdrop is transparent, or the root window's, or else one colour.
 bool X11DesktopPicture::readAll(xcb_pixmap_t picture)
 {
-    const QRect all(QPoint(), m_frame.size());
+    const QRect all(QPoint(), m_desktop.frame.size());
     const auto pixels = X11PixelReader::read(m_connection, picture, all);
     if (!pixels)
         return false;
-    if (const auto root = rootPixels(all)) {
-        m_backdrop = RootPixmap{};
-        compare(all, *pixels, *root);
-        if (m_mask.share() <= mostOfIcons)
-            return true;
-    }
-    const auto colour = mostFrequent(*pixels);
-    m_backdrop = Colour{colour};
-    compare(all, *pixels, colour);
-    return m_mask.share() <= mostOfIcons;
+    const auto tryWith = [&](const Backdrop& backdrop) {
+        m_backdrop = backdrop;
+        return compare(all, *pixels) && m_mask.share() <= mostOfIcons;
+    };
+    if (m_desktop.isTransparent)
+        return tryWith(Transparency{});
+    return tryWith(RootPixmap{}) || tryWith(Colour{mostFrequent(*pixels)});
 }
 
 bool X11DesktopPicture::readParts(xcb_pixmap_t picture)
 {
-    for (const auto& part : m_unread) {
+    return std::ranges::all_of(m_unread, [&](const QRect& part) {
         const auto pixels = X11PixelReader::read(m_connection, picture, part);
-        if (!pixels)
-            return false;
-        if (const auto* colour = std::get_if<Colour>(&m_backdrop))
-            compare(part, *pixels, colour->value);
-        else if (const auto root = rootPixels(part))
-            compare(part, *pixels, *root);
-        else
-            return false;
+        return pixels && compare(part, *pixels);
+    }) && m_mask.share() <= mostOfSelection;
+}
+
+/// False where the backdrop cannot be read.
+bool X11DesktopPicture::compare(const QRect& area, const Pixels& pixels)
+{
+    if (const auto* colour = std::get_if<Colour>(&m_backdrop)) {
+        mark(area, [&](std::size_t i) { return ((pixels[i] ^ colour->value) & colours) != 0; });
+        return true;
     }
-    return m_mask.share() <= mostOfSelection;
+    if (std::holds_alternative<Transparency>(m_backdrop)) {
+        // Less is a shadow, through which the desktop's own picture would be seen.
+        constexpr std::uint32_t leastAlpha = 0x60000000;
+        mark(area, [&](std::size_t i) { return pixels[i] >= leastAlpha; });
+        return true;
+    }
+    const auto root = rootPixels(area);
+    if (root)
+        mark(area, [&](std::size_t i) { return ((pixels[i] ^ (*root)[i]) & colours) != 0; });
+    return root.has_value();
+}
+
+template <typename IsIcon>
+void X11DesktopPicture::mark(const QRect& area, IsIcon isIcon)
+{
+    std::size_t i = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x)
+            m_mask.set(x, y, isIcon(i++));
+    }
 }
 
 /// Of the pixmap that desktop programs name so that others can look transparent.
-std::optional<std::vector<std::uint32_t>> X11DesktopPicture::rootPixels(const QRect& area)
+std::optional<X11DesktopPicture::Pixels> X11DesktopPicture::rootPixels(const QRect& area)
 {
     const auto named = m_connection.property(
         m_connection.root(), m_connection.atom("_XROOTPMAP_ID"), XCB_ATOM_PIXMAP);
     if (named.empty())
         return std::nullopt;
-    return X11PixelReader::read(m_connection, named.front(), area.translated(m_frame.topLeft()));
-}
-
-void X11DesktopPicture::compare(const QRect& area,
-    const std::vector<std::uint32_t>& pixels,
-    const std::vector<std::uint32_t>& backdrop)
-{
-    std::size_t i = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x, ++i)
-            m_mask.set(x, y, ((pixels[i] ^ backdrop[i]) & colours) != 0);
-    }
-}
-
-void X11DesktopPicture::compare(
-    const QRect& area, const std::vector<std::uint32_t>& pixels, std::uint32_t backdrop)
-{
-    std::size_t i = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x, ++i)
-            m_mask.set(x, y, ((pixels[i] ^ backdrop) & colours) != 0);
-    }
+    return X11PixelReader::read(
+        m_connection, named.front(), area.translated(m_desktop.frame.topLeft()));
 }

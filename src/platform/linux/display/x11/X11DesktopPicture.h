@@ -4,6 +4,7 @@
 #include "base/Disposable.h"
 #include "platform/linux/display/PixelMask.h"
 #include "platform/linux/display/x11/X11Connection.h"
+#include "platform/linux/display/x11/X11ForeignDesktops.h"
 
 #include <QRect>
 #include <QRegion>
@@ -11,6 +12,7 @@
 #include <functional>
 #include <optional>
 #include <variant>
+#include <vector>
 
 /// What another program draws on its desktop, also where it is covered: all of it is read once, and
 /// then what it draws anew, when that has settled. The extensions Composite and Damage are needed.
@@ -19,15 +21,13 @@ public:
     static bool isPossible(X11Connection& connection);
 
     /// `changed` is called when `icons` or `isUnderstood` may be another.
-    X11DesktopPicture(X11Connection& connection,
-        xcb_window_t window,
-        const QRect& frame,
-        std::function<void()> changed);
+    X11DesktopPicture(
+        X11Connection& connection, const X11ForeignDesktop& desktop, std::function<void()> changed);
     ~X11DesktopPicture();
     X11DesktopPicture(const X11DesktopPicture&) = delete;
     X11DesktopPicture& operator=(const X11DesktopPicture&) = delete;
 
-    const QRect& frame() const { return m_frame; }
+    const X11ForeignDesktop& desktop() const { return m_desktop; }
     /// What is on the backdrop, in root coordinates.
     const QRegion& icons() const { return m_icons; }
     /// Whether the backdrop is known. It is taken to be, until the window was read.
@@ -37,27 +37,27 @@ public:
     void noteNewBackdrop();
 
 private:
+    using Pixels = std::vector<std::uint32_t>;
     struct RootPixmap {};
     struct Colour {
         std::uint32_t value;
     };
-    using Backdrop = std::variant<std::monostate, RootPixmap, Colour>;
+    struct Transparency {};
+    using Backdrop = std::variant<std::monostate, RootPixmap, Colour, Transparency>;
 
     void follow();
     void noteDamage(const QRect& area);
     void readDamaged();
     bool readAll(xcb_pixmap_t picture);
     bool readParts(xcb_pixmap_t picture);
-    std::optional<std::vector<std::uint32_t>> rootPixels(const QRect& area);
-    void compare(const QRect& area,
-        const std::vector<std::uint32_t>& pixels,
-        const std::vector<std::uint32_t>& backdrop);
-    void compare(
-        const QRect& area, const std::vector<std::uint32_t>& pixels, std::uint32_t backdrop);
+    std::optional<Pixels> rootPixels(const QRect& area);
+    bool compare(const QRect& area, const Pixels& pixels);
+    /// Marks what of the area's pixels is not backdrop, as told for the index of each.
+    template <typename IsIcon>
+    void mark(const QRect& area, IsIcon isIcon);
 
     X11Connection& m_connection;
-    xcb_window_t m_window;
-    QRect m_frame;
+    X11ForeignDesktop m_desktop;
     std::function<void()> m_changed;
     std::uint32_t m_damage;
     std::optional<Disposable> m_damages;

@@ -92,13 +92,16 @@ std::optional<X11ForeignDesktop> answer(
     constexpr std::uint32_t opaque = 0xffffffff;
     const QRect inside(0, 0, geometry->width, geometry->height);
     QRegion area = shape ? regionOf(*shape) & inside : QRegion(inside);
+    const bool hasAlpha = doesTransparencyShow && geometry->depth == depthWithAlpha;
+    if (hasAlpha)
+        area &= regionOf(opaqueParts);
     if (doesTransparencyShow && !opacity.empty() && opacity.front() != opaque)
         area = {};
-    else if (doesTransparencyShow && geometry->depth == depthWithAlpha)
-        area &= regionOf(opaqueParts);
     const QPoint position(origin->dst_x, origin->dst_y);
-    return X11ForeignDesktop{
-        question.window, inside.translated(position), area.translated(position)};
+    return X11ForeignDesktop{question.window,
+        inside.translated(position),
+        area.translated(position),
+        hasAlpha && area.isEmpty()};
 }
 
 } // namespace

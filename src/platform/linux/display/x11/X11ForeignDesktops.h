@@ -19,6 +19,7 @@ struct X11ForeignDesktop {
     xcb_window_t window;
     QRect frame;        ///< in root coordinates
     QRegion opaqueArea; ///< of it, what lets nothing shine through
+    bool isTransparent; ///< has nothing but icons, of which the alpha channel tells
 
     bool operator==(const X11ForeignDesktop&) const = default;
 };

@@ -40,15 +40,14 @@ Placement X11Placements::of(const QRect& frame) const
     return isHidden || m_decision.isInFrontEverywhere ? Placement::InFront : Placement::Behind;
 }
 
-/// Cinnamon's program for the icons draws none when it finds another window of type desktop, so
-/// there is to be none before its own.
+/// Cinnamon's program for the icons ends when it finds another window of type desktop, and muffin
+/// shows two of them in the order in which they came, however they are stacked.
 X11Placements::Decision X11Placements::seen() const
 {
     Decision decision;
     for (const auto& desktop : m_desktops.all())
         decision.opaqueArea += desktop.opaqueArea;
-    decision.isInFrontEverywhere =
-        m_desktops.all().empty() && m_windowManager.name().contains("Muffin");
+    decision.isInFrontEverywhere = m_windowManager.name().contains("Muffin");
     return decision;
 }
 

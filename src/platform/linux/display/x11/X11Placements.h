@@ -18,7 +18,8 @@ enum class Placement {
     InFront, ///< in the next layer: of type normal, kept below all other windows
 };
 
-/// Decides it, for each part of the screen. In front of an opaque one, otherwise behind.
+/// Decides it, for each part of the screen. In front of an opaque one, otherwise behind; on
+/// Cinnamon always in front.
 ///
 /// Two windows of type desktop are stacked by chance, so neither is moved against the other: ours
 /// changes the layer. It does that at most three times in ten seconds, whatever other programs do,
