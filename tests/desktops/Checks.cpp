@@ -108,6 +108,11 @@ QRect menuAtFreeSpot(const TestedDesktop& desktop)
     return becomes([&] { return look() < least; }) ? bounds : QRect();
 }
 
+int areaOf(const QRect& rectangle)
+{
+    return rectangle.width() * rectangle.height();
+}
+
 Cell pictureIsShown(const Stage& stage)
 {
     PlayingHelper helper(stage.desktop);
@@ -169,10 +174,9 @@ Cell menuOpens(const Stage& stage)
     if (!helper.start())
         return Cell::of(false);
     const auto menu = menuAtFreeSpot(stage.desktop);
-    const auto change = menu.size() - stage.bare.menu.size();
-    constexpr int shadow = 40; // is not seen on every picture
-    return Cell::of(!menu.isNull() && qAbs(change.width()) <= shadow &&
-                    qAbs(change.height()) <= shadow && becomes([&] { return helper.isShown(); }));
+    // Shadows and borders are not seen before every background.
+    const bool isSame = 2 * areaOf(menu & stage.bare.menu) > areaOf(menu | stage.bare.menu);
+    return Cell::of(isSame && becomes([&] { return helper.isShown(); }));
 }
 
 Cell pressIsHeard(const Stage& stage)
