@@ -22,14 +22,6 @@ std::uint16_t word(int number)
     return static_cast<std::uint16_t>(number);
 }
 
-xcb_visualid_t visualWithAlpha(const xcb_screen_t& screen)
-{
-    auto depth = xcb_screen_allowed_depths_iterator(&screen);
-    while (depth.rem > 1 && depth.data->depth != 32)
-        xcb_depth_next(&depth);
-    return xcb_depth_visuals(depth.data)->visual_id;
-}
-
 } // namespace
 
 X11Desktop::X11Desktop(const QSize& size, const QStringList& serverArguments) : VirtualDesktop(size)
@@ -174,8 +166,7 @@ xcb_window_t X11Desktop::openWindow(WindowKind kind, const QColor& colour, const
 {
     auto* const x11 = connection();
     const bool hasAlpha = kind == WindowKind::WithAlpha || kind == WindowKind::WithOpaqueRegion;
-    const auto visual = hasAlpha ? visualWithAlpha(*m_screen) : m_screen->root_visual;
-    const std::uint8_t depth = hasAlpha ? 32 : m_screen->root_depth;
+    const auto [depth, visual] = this->visual(hasAlpha);
     const auto colormap = xcb_generate_id(x11);
     xcb_create_colormap(x11, XCB_COLORMAP_ALLOC_NONE, colormap, root(), visual);
 
@@ -213,6 +204,38 @@ xcb_window_t X11Desktop::openWindow(WindowKind kind, const QColor& colour, const
     xcb_map_window(x11, window);
     xcb_flush(x11);
     return window;
+}
+
+std::pair<std::uint8_t, xcb_visualid_t> X11Desktop::visual(bool hasAlpha) const
+{
+    if (!hasAlpha)
+        return {m_screen->root_depth, m_screen->root_visual};
+    auto depth = xcb_screen_allowed_depths_iterator(m_screen);
+    while (depth.rem > 1 && depth.data->depth != 32)
+        xcb_depth_next(&depth);
+    return {depth.data->depth, xcb_depth_visuals(depth.data)->visual_id};
+}
+
+void X11Desktop::renameWindowManager(const QByteArray& name) const
+{
+    const auto check = property(root(), "_NET_SUPPORTING_WM_CHECK");
+    xcb_change_property(connection(),
+        XCB_PROP_MODE_REPLACE,
+        *reinterpret_cast<const xcb_window_t*>(check.constData()),
+        atom("_NET_WM_NAME"),
+        atom("UTF8_STRING"),
+        8,
+        static_cast<std::uint32_t>(name.size()),
+        name.constData());
+    xcb_flush(connection());
+}
+
+void X11Desktop::pretendCompositing() const
+{
+    const auto owner = xcb_generate_id(connection());
+    xcb_create_window(connection(), 0, owner, root(), -1, -1, 1, 1, 0, 0, 0, 0, nullptr);
+    xcb_set_selection_owner(connection(), owner, atom("_NET_WM_CM_S0"), XCB_CURRENT_TIME);
+    xcb_flush(connection());
 }
 
 void X11Desktop::moveWindow(xcb_window_t window, const QPoint& position) const
@@ -267,6 +290,15 @@ QStringList X11Desktop::desktopPrograms() const
             programs << QString::fromUtf8(property(window, "WM_CLASS").constData());
     }
     return programs;
+}
+
+xcb_window_t X11Desktop::windowNamed(const QString& title) const
+{
+    for (const auto window : managedWindows()) {
+        if (QString::fromUtf8(property(window, "_NET_WM_NAME")) == title)
+            return window;
+    }
+    return XCB_WINDOW_NONE;
 }
 
 std::vector<xcb_window_t> X11Desktop::managedWindows() const

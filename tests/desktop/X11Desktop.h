@@ -7,6 +7,7 @@
 #include <QRect>
 #include <QSize>
 
+#include <utility>
 #include <vector>
 
 /// An X server without a screen, without a window manager at first.
@@ -19,6 +20,8 @@ public:
     QString display() const { return m_display; }
     xcb_connection_t* connection() const { return m_connection.get(); }
     xcb_window_t root() const { return m_screen->root; }
+    /// With a depth of 32 or else the root window's; the depth goes first.
+    std::pair<std::uint8_t, xcb_visualid_t> visual(bool hasAlpha) const;
     /// Makes it where the server has none of that name.
     xcb_atom_t atom(const char* name) const;
 
@@ -62,6 +65,12 @@ public:
         ask(window, "_NET_WM_DESKTOP", number);
     }
     void requestDesktop(std::uint32_t number) const { ask(root(), "_NET_CURRENT_DESKTOP", number); }
+    /// Hides all windows but those of type desktop, or shows them again.
+    void showDesktop(bool isShown) const { ask(root(), "_NET_SHOWING_DESKTOP", isShown ? 1 : 0); }
+    /// Makes the window manager one of another name, as far as others can tell.
+    void renameWindowManager(const QByteArray& name) const;
+    /// Claims that a compositing manager runs.
+    void pretendCompositing() const;
     /// Of every window that is managed.
     void requestClose() const;
 
@@ -71,6 +80,9 @@ public:
     QStringList windowTitles() const;
     /// Whose windows of the type desktop are managed, by the instance of their class.
     QStringList desktopPrograms() const;
+    /// The first managed one with that title, or none.
+    xcb_window_t windowNamed(const QString& title) const;
+    QByteArray property(xcb_window_t window, const char* name) const;
 
 private:
     void nameDisplay(QProcessEnvironment& environment) const override;
@@ -84,7 +96,6 @@ private:
         const char* what,
         std::uint32_t value) const;
     std::vector<xcb_window_t> managedWindows() const;
-    QByteArray property(xcb_window_t window, const char* name) const;
 
     QProcess m_server;
     QProcess m_windowManager;

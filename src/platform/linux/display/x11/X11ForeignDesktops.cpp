@@ -164,6 +164,14 @@ void X11ForeignDesktops::look()
     Q_EMIT changed();
 }
 
+/// At once, because the program that is started in its place may get the same window ID.
+void X11ForeignDesktops::forget(xcb_window_t window)
+{
+    m_watches.erase(window);
+    if (std::erase_if(m_all, [&](const auto& desktop) { return desktop.window == window; }) > 0)
+        Q_EMIT changed();
+}
+
 std::vector<X11ForeignDesktop> X11ForeignDesktops::read()
 {
     const auto windows = desktopWindows();
@@ -224,8 +232,12 @@ void X11ForeignDesktops::watch(const std::vector<xcb_window_t>& windows)
     for (const auto window : windows) {
         if (m_watches.contains(window))
             continue;
-        m_watches.emplace(window,
-            m_connection.watch(window, [this](const xcb_generic_event_t&) { m_settling.call(); }));
+        m_watches.emplace(
+            window, m_connection.watch(window, [this, window](const xcb_generic_event_t& event) {
+                if (event.response_type == XCB_DESTROY_NOTIFY)
+                    forget(window);
+                m_settling.call();
+            }));
         const std::uint32_t events =
             XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
         xcb_change_window_attributes(m_connection.get(), window, XCB_CW_EVENT_MASK, &events);

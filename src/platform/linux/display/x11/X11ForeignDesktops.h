@@ -43,6 +43,7 @@ Q_SIGNALS:
 
 private:
     void look();
+    void forget(xcb_window_t window);
     std::vector<X11ForeignDesktop> read();
     std::vector<xcb_window_t> desktopWindows();
     bool doesTransparencyShow();
