@@ -24,6 +24,42 @@ QString nameOf(const std::array<const char*, Count>& names, qint64 rawValue)
 constexpr std::array orderNames{"single", "list", "random"};         // as VideoPlayerPlayModel
 constexpr std::array screenNames{"integration", "mirror", "single"}; // as VideoPlayerScreenType
 
+void insert(QJsonObject& object, const HelperStatus::Report& report)
+{
+    object.insert("state", report.state);
+    if (!report.reason.isEmpty())
+        object.insert("reason", report.reason);
+    if (!report.problem.isEmpty())
+        object.insert("problem", report.problem);
+    QJsonObject monitors;
+    for (const auto& [name, state] : report.monitors.asKeyValueRange())
+        monitors.insert(name, state);
+    object.insert("monitors", monitors);
+    object.insert("renderer", report.renderer);
+    object.insert("decoder", report.decoder);
+    object.insert("framesShown", static_cast<qint64>(report.framesShown));
+    object.insert("framesDropped", static_cast<qint64>(report.framesDropped));
+    object.insert("version", report.version);
+}
+
+void print(const HelperStatus::Report& report)
+{
+    Output::print(u"helper     running, version %1"_s.arg(report.version));
+    Output::print(u"wallpaper  %1"_s.arg(report.state));
+    if (!report.reason.isEmpty())
+        Output::print(u"reason     %1"_s.arg(report.reason));
+    if (!report.problem.isEmpty() && report.problem != report.reason)
+        Output::print(u"problem    %1"_s.arg(report.problem));
+    for (const auto& [name, state] : report.monitors.asKeyValueRange())
+        Output::print(u"monitor    %1: %2"_s.arg(name, state));
+    if (!report.renderer.isEmpty())
+        Output::print(u"pictures   %1 shown, %2 dropped; drawn by %3"_s.arg(report.framesShown)
+                          .arg(report.framesDropped)
+                          .arg(report.renderer));
+    if (!report.decoder.isEmpty())
+        Output::print(u"decoder    %1"_s.arg(report.decoder));
+}
+
 } // namespace
 
 ExitStatus CommandHandlers::status(Companion& companion, const Arguments& arguments)
@@ -34,7 +70,7 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
         return entry.sign == preferences.playingVideoSign();
     });
     const bool isRunning = SessionInstance::isClaimed();
-    const auto problem = isRunning ? HelperStatus::problem().value_or(QString()) : QString();
+    const auto report = isRunning ? HelperStatus::read() : std::nullopt;
     const auto order = nameOf(orderNames, preferences.playModel());
     const auto screens = nameOf(screenNames, preferences.monitorArrange());
     const bool isSingleScreen =
@@ -53,8 +89,8 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
             {"volume", static_cast<qint64>(volume)},
             {"muted", preferences.mute()},
             {"videos", static_cast<qint64>(entries.size())}};
-        if (!problem.isEmpty())
-            object.insert("problem", problem);
+        if (report)
+            insert(object, *report);
         if (current != entries.end()) {
             object.insert("sign", current->sign);
             object.insert("title", current->title);
@@ -63,13 +99,16 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
         Output::print(QJsonDocument(object));
         return ExitStatus::Done;
     }
-    const auto state = !preferences.isOpenPlayer() ? u"closed"
-                       : preferences.isPlaying()   ? u"playing"
-                                                   : u"paused";
-    Output::print(u"helper     %1"_s.arg(isRunning ? u"running" : u"not running in this session"));
-    Output::print(u"wallpaper  %1"_s.arg(state));
-    if (!problem.isEmpty())
-        Output::print(u"problem    %1"_s.arg(problem));
+    const auto wish = !preferences.isOpenPlayer() ? u"closed"
+                      : preferences.isPlaying()   ? u"playing"
+                                                  : u"paused";
+    if (report) {
+        print(*report);
+    } else {
+        Output::print(u"helper     %1"_s.arg(
+            isRunning ? u"running, but it does not answer" : u"not running in this session"));
+        Output::print(u"wallpaper  not shown; set to %1"_s.arg(wish));
+    }
     Output::print(
         u"video      %1"_s.arg(current != entries.end() ? current->title : u"none chosen"_s));
     Output::print(u"order      %1"_s.arg(order));

@@ -48,6 +48,7 @@ AppDelegate::AppDelegate(Application& application) : m_application(application)
 void AppDelegate::applicationDidFinishLaunching()
 {
     VideoPlayerManager::shared().createWindows();
+    m_statusReporter.emplace(Preferences::shared(), VideoPlayerManager::shared());
     auto& statusBarManager = StatusBarManager::shared();
     statusBarManager.setDelegate(
         {[this] { checkUpgrade(WithoutUpgrade::SaySo); }, [this] { m_application.terminate(); }});

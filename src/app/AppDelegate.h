@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/StatusReporter.h"
 #include "base/Disposable.h"
 #include "platform/Application.h"
 #include "records/UpgradeInfo.h"
@@ -37,6 +38,7 @@ private:
 
     Application& m_application;
     std::vector<Disposable> m_messages;
+    std::optional<StatusReporter> m_statusReporter; // since the launch
     std::optional<Disposable> m_wakeObserver;
     std::unique_ptr<CustomAlertWindowController> m_upToDateWindowController;
     std::unique_ptr<UpgradeWindowController> m_upgradeWC; // of the last offer

@@ -37,6 +37,10 @@ Q_SIGNALS:
     /// the system bus may be missing, go and come back.
     void didWake();
 
+    /// The session is locked now, or unlocked, which it is at first. On Linux this is the property
+    /// `LockedHint` that lockers set at systemd-logind.
+    void sessionLockChanged(bool isLocked);
+
 private:
     class Body;
     std::unique_ptr<Body> m_body;

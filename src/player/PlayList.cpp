@@ -106,10 +106,12 @@ std::unique_ptr<PlayerItem> PlayList::openPlayable()
             const auto begin = [this, sign = video.sign] { m_openings.begin(sign); };
             connect(item.get(), &PlayerItem::openingBegan, this, begin, Qt::SingleShotConnection);
             m_openingTime.stop();
+            m_opened.emplace(video);
             return item;
         }
         m_videoList.advance();
     }
+    m_opened.reset();
     return nullptr;
 }
 

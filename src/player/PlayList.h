@@ -31,6 +31,7 @@ public:
     void reload(VideoPlayerPlayModel playModel, const std::optional<QString>& sign);
     bool isUnread() const { return m_isUnread; }
 
+    bool isEmpty() const { return m_videoList.count() == 0; }
     /// None for an empty list.
     std::optional<QString> currentSign() const;
     /// False at the end of the list, where the cursor stays.
@@ -55,6 +56,8 @@ public:
     /// Moves the cursor to the first video, from the current one on, that can be tried, and opens
     /// it. None where there is no such video.
     std::unique_ptr<PlayerItem> openPlayable();
+    /// What was opened last; none where nothing could be.
+    const std::optional<VideoDetail>& opened() const { return m_opened; }
     /// What was opened is ready, cannot be played, or has played to its end.
     void noteReady();
     void noteFailure(const PlayerItem& item);
@@ -82,6 +85,7 @@ private:
     QTimer m_libraryRetry;
     bool m_isUnread = false;       // the library could not be read when the list was built
     bool m_isChoiceUnread = false; // and when the chosen video was looked up
+    std::optional<VideoDetail> m_opened;
     QSet<QString> m_failedFiles;   // since a video has last played
     QTimer m_openingTime;          // running while an item is new
     PlayableFileWatch m_fileWatch;

@@ -237,6 +237,20 @@ void VideoPlayerManager::watchForPlayableFiles()
         m_playList.watchFiles(PlayList::Watched::Current);
     else
         m_playList.watchFiles(PlayList::Watched::Any);
+    Q_EMIT currentVideoChanged();
+}
+
+QString VideoPlayerManager::whyNothingPlays() const
+{
+    const auto* const item = m_player ? m_player->currentItem() : nullptr;
+    if (!m_player || (item && item->status() != PlayerItem::Status::Failed))
+        return {};
+    if (m_playList.isUnread())
+        return u"The library cannot be read."_s;
+    if (m_playList.isEmpty())
+        return u"The library is empty."_s;
+    return item ? u"The video cannot be played."_s
+                : u"No video of the library can be played: files are missing or broken."_s;
 }
 
 void VideoPlayerManager::openPlayer()

@@ -74,6 +74,15 @@ public:
     /// Stores the current video's sign in the preferences if it is not there already.
     void savePlayingSign();
 
+    /// What plays, or shall when it can be played; none where there is nothing.
+    const std::optional<VideoDetail>& currentVideo() const { return m_playList.opened(); }
+    /// As a sentence; empty while something plays or could.
+    QString whyNothingPlays() const;
+
+Q_SIGNALS:
+    /// The current video, or whether it can be played.
+    void currentVideoChanged();
+
 private:
     void observePreferences();
     void makeWindows();

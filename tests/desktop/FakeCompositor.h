@@ -52,7 +52,7 @@ public:
     void setReading(bool isReading);
 
     void click(const QPoint& /*point*/) override {}
-    void cover(const QColor& /*colour*/) override {}
+    void cover(const QColor& /*colour*/, Extent /*extent*/) override {}
     void uncover() override {}
 
 private:

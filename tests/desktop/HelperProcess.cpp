@@ -6,6 +6,8 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusReply>
+#include <QDBusVariant>
 #include <QRegularExpression>
 #include <QTest>
 #include <QUrl>
@@ -79,6 +81,31 @@ double HelperProcess::processorSeconds() const
     const auto fields = status.mid(status.lastIndexOf(')')).split(' ');
     return static_cast<double>(fields[12].toLongLong() + fields[13].toLongLong()) /
            static_cast<double>(sysconf(_SC_CLK_TCK));
+}
+
+bool HelperProcess::comesToRest() const
+{
+    constexpr int attempts = 6;
+    constexpr int seconds = 3;
+    for (int i = 0; i < attempts; ++i) {
+        const auto before = processorSeconds();
+        QTest::qWait(1000 * seconds);
+        if ((processorSeconds() - before) / seconds < 0.01)
+            return true;
+    }
+    return false;
+}
+
+QVariant HelperProcess::status(const QString& property) const
+{
+    auto question = QDBusMessage::createMethodCall(u"com.zemra.tavelor.helper"_s,
+        u"/com/zemra/tavelor/Helper"_s,
+        u"org.freedesktop.DBus.Properties"_s,
+        u"Get"_s);
+    question << u"com.zemra.tavelor.Helper"_s << property;
+    auto bus = QDBusConnection::connectToBus(m_desktop.busAddress(), m_desktop.busAddress());
+    const QDBusReply<QDBusVariant> answer = bus.call(question);
+    return answer.value().variant();
 }
 
 QStringList HelperProcess::lines()

@@ -31,6 +31,10 @@ public:
     const QProcess& process() const { return m_process; }
     /// What it and its threads have used so far.
     double processorSeconds() const;
+    /// Whether it uses less than a hundredth of a core for three seconds on end, soon.
+    bool comesToRest() const;
+    /// One of the things that it tells about itself on the session bus; none where it does not.
+    QVariant status(const QString& property) const;
     /// All lines that it has written to standard output so far.
     QStringList lines();
     /// Says "UpdateVideoList" on the bus, as the importing companion does.

@@ -45,7 +45,8 @@ private Q_SLOTS:
         status.start(QStringLiteral(TAVELORCTL), {u"status"_s});
         QVERIFY(status.waitForFinished());
         const auto shown = status.readAllStandardOutput();
-        QVERIFY2(shown.contains("\nproblem    " + problem + '\n'), shown);
+        QVERIFY2(
+            shown.contains("\nwallpaper  cannot show here\nreason     " + problem + '\n'), shown);
 
         QTRY_VERIFY(processorShare() < 0.03); // it has started by then
         QCOMPARE(m_helper->process().readAllStandardError(), "");

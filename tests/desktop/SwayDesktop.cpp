@@ -184,9 +184,12 @@ void SwayDesktop::click(const QPoint& point)
         command(u"seat seat0 cursor "_s + what);
 }
 
-void SwayDesktop::cover(const QColor& colour)
+void SwayDesktop::cover(const QColor& colour, Extent extent)
 {
-    // The only window is as large as the output.
+    // The only window is as large as the output. Sway tells nobody that it is covered, but for full
+    // screen.
+    if (extent == Extent::All)
+        command(u"for_window [app_id=mpv] fullscreen enable"_s);
     m_cover.setProcessEnvironment(environment());
     ChildProcess::endWithThisProcess(m_cover);
     const auto options = u"--no-config --no-terminal --load-scripts=no --vo=wlshm --keepaspect=no "

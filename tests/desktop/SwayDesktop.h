@@ -15,7 +15,7 @@ public:
 
     void setMonitors(Monitors monitors) override;
     void click(const QPoint& point) override;
-    void cover(const QColor& colour) override;
+    void cover(const QColor& colour, Extent extent) override;
     void uncover() override;
 
     /// Ends it at once, so that it cannot tidy up.

@@ -42,8 +42,10 @@ public:
     /// With the primary button.
     virtual void click(const QPoint& point) = 0;
 
-    /// Shows another program's window, of one colour, over the place of leftColour().
-    virtual void cover(const QColor& colour) = 0;
+    /// Shows another program's window, of one colour, over the place of leftColour(), or windows
+    /// over everything.
+    enum class Extent { Left, All };
+    virtual void cover(const QColor& colour, Extent extent = Extent::Left) = 0;
     virtual void uncover() = 0;
 
 protected:

@@ -157,9 +157,21 @@ void X11Desktop::pressKey(std::uint8_t keyCode) const
     xcb_flush(connection());
 }
 
-void X11Desktop::cover(const QColor& colour)
+void X11Desktop::cover(const QColor& colour, Extent extent)
 {
-    m_cover = openWindow(WindowKind::Ordinary, colour);
+    if (extent == Extent::Left) {
+        m_covers = {openWindow(WindowKind::Ordinary, colour)};
+        return;
+    }
+    const QSize half(size().width() / 2 + 50, size().height() + 50); // they overlap
+    m_covers = {openWindow(WindowKind::Ordinary, colour, {{0, 0}, half}),
+        openWindow(WindowKind::Ordinary, colour, {{size().width() / 2 - 50, 0}, half})};
+}
+
+void X11Desktop::uncover()
+{
+    for (const auto window : std::exchange(m_covers, {}))
+        closeWindow(window);
 }
 
 xcb_window_t X11Desktop::openWindow(WindowKind kind, const QColor& colour, const QRect& frame) const

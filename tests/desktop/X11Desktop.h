@@ -39,8 +39,8 @@ public:
     QImage picture(const QRect& area = {}) const;
     /// Over the windows that are there.
     void paint(const QRect& area, const QColor& colour) const;
-    void cover(const QColor& colour) override;
-    void uncover() override { closeWindow(m_cover); }
+    void cover(const QColor& colour, Extent extent) override;
+    void uncover() override;
 
     /// A window of another program, of one colour, at the left unless told otherwise.
     enum class WindowKind {
@@ -102,5 +102,5 @@ private:
     QString m_display;
     X11ConnectionHandle m_connection;
     const xcb_screen_t* m_screen;
-    xcb_window_t m_cover = XCB_WINDOW_NONE;
+    std::vector<xcb_window_t> m_covers;
 };

@@ -27,7 +27,7 @@ public:
     /// Starts the compositor anew, but for unplugging and plugging the second one of two.
     void setMonitors(Monitors monitors) override;
     void click(const QPoint& point) override { m_screen.click(point); }
-    void cover(const QColor& colour) override { m_screen.cover(colour); }
+    void cover(const QColor& colour, Extent extent) override { m_screen.cover(colour, extent); }
     void uncover() override { m_screen.uncover(); }
 
     const X11Desktop& screen() const { return m_screen; }

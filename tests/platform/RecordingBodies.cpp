@@ -1,5 +1,6 @@
 #include "platform/DesktopWindow.h"
 #include "platform/DistributedNotificationCenter.h"
+#include "platform/HelperStatus.h"
 #include "platform/Player.h"
 #include "platform/Recording.h"
 #include "platform/Workspace.h"
@@ -245,3 +246,5 @@ void Workspace::launchApplication(const QString& identifier)
 }
 
 void Workspace::openUrl(const QUrl&) {}
+
+void HelperStatus::setIntent(const Intent&) {}

@@ -6,6 +6,7 @@
 #include "support/TemporaryHome.h"
 
 #include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
@@ -31,6 +32,41 @@ void prepareForSleep(const QDBusConnection& bus, const QVariantList& arguments)
     signal.setArguments(arguments);
     bus.send(signal);
 }
+
+constexpr auto sessionPath = "/org/freedesktop/login1/session/_31";
+
+/// What a locker sets at logind.
+class Session : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Session")
+    Q_PROPERTY(bool LockedHint MEMBER m_isLocked)
+
+public:
+    void setIsLocked(QDBusConnection bus, const QVariant& isLocked)
+    {
+        m_isLocked = isLocked.toBool();
+        auto signal = QDBusMessage::createSignal(QString::fromLatin1(sessionPath),
+            u"org.freedesktop.DBus.Properties"_s,
+            u"PropertiesChanged"_s);
+        signal << logind + u".Session"_s << QVariantMap{{u"LockedHint"_s, isLocked}}
+               << QStringList();
+        bus.send(signal);
+    }
+
+private:
+    bool m_isLocked = false;
+};
+
+class Manager : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.login1.Manager")
+
+public Q_SLOTS:
+    QDBusObjectPath GetSession(const QString& name) const
+    {
+        return QDBusObjectPath(name == u"auto" ? QString::fromLatin1(sessionPath) : u"/"_s);
+    }
+};
 
 bool hasDeadChild()
 {
@@ -164,6 +200,34 @@ private Q_SLOTS:
                 m_systemBus.stop();
         }
         m_systemBus.start();
+    }
+
+    void lockOfTheSession_isFollowedAsLongAsLogindSaysSo()
+    {
+        Session session;
+        Manager manager;
+        auto bus = QDBusConnection::connectToBus(m_systemBus.address(), u"locking logind"_s);
+        bus.registerObject(u"/org/freedesktop/login1"_s, &manager, QDBusConnection::ExportAllSlots);
+        bus.registerObject(
+            QString::fromLatin1(sessionPath), &session, QDBusConnection::ExportAllProperties);
+        session.setIsLocked(bus, true); // before anybody asks
+        QVERIFY(bus.registerService(logind));
+        Workspace workspace;
+        QSignalSpy locks(&workspace, &Workspace::sessionLockChanged);
+        const auto latest = [&locks] {
+            return locks.isEmpty() ? QVariant() : locks.last().first();
+        };
+        QTRY_COMPARE(latest(), QVariant(true));
+
+        session.setIsLocked(bus, u"banana"_s);
+        session.setIsLocked(bus, false);
+        QTRY_COMPARE(latest(), QVariant(false));
+        session.setIsLocked(bus, true);
+        QTRY_COMPARE(latest(), QVariant(true));
+        bus.unregisterService(logind); // as when it ends
+        QTRY_COMPARE(latest(), QVariant(false));
+        QCOMPARE(locks.count(), 4);
+        QDBusConnection::disconnectFromBus(u"locking logind"_s);
     }
 
     void busThatHangs_holdsNothingUp()

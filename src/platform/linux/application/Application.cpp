@@ -2,12 +2,13 @@
 
 #include "base/Debounce.h"
 #include "base/NotificationCenter.h"
-#include "platform/HelperStatus.h"
 #include "platform/SessionInstance.h"
 #include "platform/Workspace.h"
 #include "platform/linux/application/DisplayChoice.h"
 #include "platform/linux/application/ProcessEnd.h"
 #include "platform/linux/application/QtDisplayWatch.h"
+#include "platform/linux/dbus/HelperStatusObject.h"
+#include "platform/linux/dbus/ScreenSaverListener.h"
 #include "platform/linux/system/TerminationSignals.h"
 
 #include <QAbstractEventDispatcher>
@@ -72,9 +73,49 @@ void reportLoss()
 void reportProblem(const DisplayServer& display)
 {
     const auto problem = display.problem();
-    HelperStatus::setProblem(problem);
     if (!problem.isEmpty())
         std::fprintf(stderr, "%s\n", qUtf8Printable(problem));
+}
+
+QString nameOf(DisplayServer::ScreenState state)
+{
+    switch (state) {
+    case DisplayServer::ScreenState::Unused:
+        return u"unused"_s;
+    case DisplayServer::ScreenState::Closed:
+        return u"closed"_s;
+    case DisplayServer::ScreenState::Covered:
+        return u"covered"_s;
+    case DisplayServer::ScreenState::Shown:
+        return u"shown"_s;
+    }
+    return {};
+}
+
+QString nameOf(const Holds& holds)
+{
+    using Reason = Holds::Reason;
+    if (holds.has(Reason::SessionLocked) || holds.has(Reason::ScreenSaver))
+        return u"locked"_s;
+    if (holds.has(Reason::Blanked))
+        return u"blanked"_s;
+    return holds.has(Reason::Unseen) ? u"covered"_s : QString();
+}
+
+DisplayFacts factsOf(DisplayServer& display)
+{
+    DisplayFacts facts;
+    facts.canShow = display.canPresent();
+    facts.problem = display.problem();
+    facts.hold = nameOf(display.holds());
+    for (const auto& [name, state] : display.screenStates())
+        facts.monitors[name] = nameOf(state);
+    facts.renderer = display.rendererName();
+    const auto& statistics = display.statistics();
+    facts.decoder = statistics.decoder;
+    facts.framesShown = statistics.shown;
+    facts.framesDropped = statistics.dropped;
+    return facts;
 }
 
 } // namespace
@@ -89,6 +130,9 @@ public:
     std::unique_ptr<DisplayServer> display;
     std::vector<Screen> screens; // as the delegate knows them
     Debounce screenChanges;
+    ScreenSaverListener screenSavers;
+
+    void holdWhileLocked();
 
 private:
     void tellScreenChange(Application& application);
@@ -109,6 +153,18 @@ Application::Body::Body(int& argc, char** argv, Application& application)
       display(DisplayChoice::make()),
       screenChanges(100ms, [this, &application] { tellScreenChange(application); })
 {
+}
+
+void Application::Body::holdWhileLocked()
+{
+    auto& holds = display->holds();
+    QObject::connect(
+        &Workspace::shared(), &Workspace::sessionLockChanged, &holds, [&holds](bool isLocked) {
+            holds.set(Holds::Reason::SessionLocked, isLocked);
+        });
+    QObject::connect(&screenSavers, &ScreenSaverListener::changed, &holds, [this, &holds] {
+        holds.set(Holds::Reason::ScreenSaver, screenSavers.isActive());
+    });
 }
 
 void Application::Body::tellScreenChange(Application& application)
@@ -177,6 +233,15 @@ void Application::followDisplay()
         QCoreApplication::exit(EXIT_FAILURE);
     });
     reportProblem(*display);
+    m_body->holdWhileLocked();
+
+    auto& status = HelperStatusObject::shared();
+    status.setDisplayFacts([display] { return factsOf(*display); });
+    const auto update = [&status] { status.update(); };
+    connect(display, &FrameOutput::statusChanged, &status, update);
+    connect(display, &DisplayServer::problemChanged, &status, update);
+    connect(display, &DisplayServer::screensChanged, &status, update);
+    connect(&display->holds(), &Holds::changed, &status, update);
 }
 
 Application::~Application() = default;

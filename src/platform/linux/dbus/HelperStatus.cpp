@@ -3,6 +3,7 @@
 #include "platform/linux/dbus/HelperStatusObject.h"
 #include "platform/linux/dbus/SessionNames.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusReply>
@@ -11,26 +12,36 @@
 
 using namespace Qt::StringLiterals;
 
-void HelperStatus::setProblem(const QString& problem)
+void HelperStatus::setIntent(const Intent& intent)
 {
-    static HelperStatusObject object;
-    object.setProblem(problem);
-    // Again and again, because the bus may be another one by now; a second time is refused.
-    QDBusConnection::sessionBus().registerObject(
-        SessionNames::helperPath, &object, QDBusConnection::ExportAllProperties);
+    HelperStatusObject::shared().setIntent(intent);
 }
 
-std::optional<QString> HelperStatus::problem()
+std::optional<HelperStatus::Report> HelperStatus::read()
 {
     auto question = QDBusMessage::createMethodCall(SessionNames::helper,
         SessionNames::helperPath,
         u"org.freedesktop.DBus.Properties"_s,
-        u"Get"_s);
-    question << SessionNames::helperInterface << u"problem"_s;
+        u"GetAll"_s);
+    question << SessionNames::helperInterface;
     constexpr std::chrono::milliseconds patience{1000};
-    const QDBusReply<QDBusVariant> answer = QDBusConnection::sessionBus().call(
+    const QDBusReply<QVariantMap> answer = QDBusConnection::sessionBus().call(
         question, QDBus::Block, static_cast<int>(patience.count()));
     if (!answer.isValid())
         return std::nullopt;
-    return answer.value().variant().toString();
+    const auto values = answer.value();
+    const auto text = [&values](const QString& name) { return values.value(name).toString(); };
+    Report report;
+    report.state = text(u"state"_s);
+    report.reason = text(u"reason"_s);
+    report.problem = text(u"problem"_s);
+    report.sign = text(u"sign"_s);
+    report.title = text(u"title"_s);
+    report.monitors = qdbus_cast<QMap<QString, QString>>(values.value(u"monitors"_s));
+    report.renderer = text(u"renderer"_s);
+    report.decoder = text(u"decoder"_s);
+    report.framesShown = values.value(u"framesShown"_s).toULongLong();
+    report.framesDropped = values.value(u"framesDropped"_s).toULongLong();
+    report.version = text(u"version"_s);
+    return report;
 }

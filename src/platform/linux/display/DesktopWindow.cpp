@@ -61,7 +61,10 @@ void DesktopWindow::Body::setClickAction(std::function<void()> action)
 
 void DesktopWindow::Body::addSubview(std::unique_ptr<PlayerLayerView> view)
 {
-    view->body().setPressHandler([this] { m_views.beginClick(); });
+    view->body().setPressHandler([this] {
+        m_display.holds().noticePerson();
+        m_views.beginClick();
+    });
     m_views.add(std::move(view));
     setTargets();
 }

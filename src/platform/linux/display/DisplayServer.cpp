@@ -25,15 +25,37 @@ std::unique_ptr<NativeWindow> DisplayServer::takeWindow(
 {
     const auto entry = std::ranges::find_if(
         m_givenBack, [&](const auto& window) { return window->screen().name == screen.name; });
-    if (entry == m_givenBack.end())
-        return makeWindow(screen, wish);
-    auto window = std::move(*entry);
-    m_givenBack.erase(entry);
+    std::unique_ptr<NativeWindow> window;
+    if (entry == m_givenBack.end()) {
+        window = makeWindow(screen, wish);
+    } else {
+        window = std::move(*entry);
+        m_givenBack.erase(entry);
+    }
+    m_taken.push_back(window.get());
     return window;
+}
+
+std::map<QString, DisplayServer::ScreenState> DisplayServer::screenStates() const
+{
+    std::map<QString, ScreenState> states;
+    for (const auto& screen : screens()) {
+        auto& state = states.try_emplace(screen.name, ScreenState::Unused).first->second;
+        const auto taken = std::ranges::find_if(
+            m_taken, [&](const auto* window) { return window->screen().name == screen.name; });
+        if (taken == m_taken.end())
+            continue;
+        if (!(*taken)->isShown())
+            state = ScreenState::Closed;
+        else
+            state = (*taken)->isCovered() ? ScreenState::Covered : ScreenState::Shown;
+    }
+    return states;
 }
 
 void DisplayServer::giveBack(std::unique_ptr<NativeWindow> window)
 {
+    std::erase(m_taken, window.get());
     window->setViews(nullptr);
     window->setTargetHandler({});
     std::erase_if(m_wishes, [&](const Wish& wish) { return wish.window == window.get(); });
@@ -57,4 +79,5 @@ void DisplayServer::commit()
         window->commit(state, isOrderedAnew);
     m_givenBack.clear();
     flush();
+    Q_EMIT statusChanged();
 }

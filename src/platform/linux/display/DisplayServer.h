@@ -6,6 +6,7 @@
 
 #include <QTimer>
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -31,6 +32,10 @@ public:
     virtual void followDispatcher() {}
     /// Why people may see no wallpaper, as a sentence; empty where they do.
     virtual QString problem() const { return {}; }
+
+    /// By the screen's name: whether its window is seen, if it has one.
+    enum class ScreenState { Unused, Closed, Covered, Shown };
+    std::map<QString, ScreenState> screenStates() const;
 
     /// What a `DesktopWindow` uses. The window on that screen is the one that was given back in
     /// this turn, or else a new one.
@@ -67,6 +72,7 @@ private:
         bool isOrderedAnew;
     };
     std::vector<Wish> m_wishes; // of this turn
+    std::vector<NativeWindow*> m_taken;
     std::vector<std::unique_ptr<NativeWindow>> m_givenBack;
     QTimer m_endOfTurn;
 };

@@ -38,6 +38,10 @@ public:
     /// Where a view's picture goes; no surface while there is none.
     virtual FrameTarget target(const QRect& viewFrame) const = 0;
 
+    virtual bool isShown() const = 0;
+    /// Whether nothing of it can be seen though it is shown, as far as the display tells.
+    virtual bool isCovered() const = 0;
+
     /// Who gets the input; borrowed, null for nobody.
     void setViews(WindowViews* views) { m_views = views; }
     /// Called when `target` gives something else than before.

@@ -13,6 +13,8 @@ public:
 
     void commit(const WindowState& /*wish*/, bool /*isOrderedAnew*/) override {}
     FrameTarget target(const QRect& /*viewFrame*/) const override { return {}; }
+    bool isShown() const override { return false; }
+    bool isCovered() const override { return false; }
 };
 
 } // namespace

@@ -13,6 +13,7 @@ public:
     QString problem() const override { return m_problem; }
     bool canPresent() const override { return false; }
     std::unique_ptr<FramePresenter> makePresenter() override { return nullptr; }
+    QString rendererName() const override { return {}; }
 
 protected:
     std::unique_ptr<NativeWindow> makeWindow(

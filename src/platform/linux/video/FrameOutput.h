@@ -2,6 +2,7 @@
 
 #include "platform/linux/video/FramePresenter.h"
 #include "platform/linux/video/Holds.h"
+#include "platform/linux/video/PictureStatistics.h"
 
 #include <QObject>
 
@@ -23,15 +24,21 @@ public:
     virtual bool canPresent() const = 0;
     /// For the render thread, which calls it while `canPresent()`.
     virtual std::unique_ptr<FramePresenter> makePresenter() = 0;
+    /// What such a presenter is called, for people; empty while there is none.
+    virtual QString rendererName() const = 0;
 
     /// Why nobody can see what is shown here.
     Holds& holds() { return m_holds; }
+    PictureStatistics& statistics() { return m_statistics; }
 
 Q_SIGNALS:
     /// Presenters that were made earlier must go before this returns; `canPresent()` tells whether
     /// there may be new ones.
     void presentersChanged();
+    /// Something that people see, or `statistics().decoder`, may be different.
+    void statusChanged();
 
 private:
     Holds m_holds;
+    PictureStatistics m_statistics;
 };

@@ -17,6 +17,9 @@ public:
     };
 
     void set(Reason reason, bool holds);
+    /// Somebody has touched the picture. Lockers that say otherwise are not believed until they say
+    /// it again.
+    void noticePerson();
     bool has(Reason reason) const { return (m_reasons & static_cast<unsigned>(reason)) != 0; }
     bool isEmpty() const { return m_reasons == 0; }
 

@@ -40,9 +40,12 @@ mpv_render_frame_info nextPicture(mpv_render_context& context)
 
 } // namespace
 
-PictureLoop::PictureLoop(
-    mpv_handle& core, std::function<void()> wake, std::function<void(bool isSeen)> tellSeen)
+PictureLoop::PictureLoop(mpv_handle& core,
+    PictureStatistics& statistics,
+    std::function<void()> wake,
+    std::function<void(bool isSeen)> tellSeen)
     : m_core(core),
+      m_statistics(statistics),
       m_wake(std::move(wake)),
       m_tellSeen(std::move(tellSeen)),
       m_presenter(std::make_unique<NoPresenter>())
@@ -148,6 +151,8 @@ void PictureLoop::present()
 {
     m_presenter->present();
     m_due.reset();
+    if (std::exchange(m_isNew, false))
+        ++m_statistics.shown;
 }
 
 void PictureLoop::takePicture()
@@ -214,6 +219,7 @@ void PictureLoop::draw()
         count(picture); // before the core goes on with the next one
         m_due = timeOf(picture);
         m_content = Content::Picture;
+        m_isNew = true;
     }
     if (m_content != Content::Picture)
         m_presenter->clear();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/video/FramePresenter.h"
+#include "platform/linux/video/PictureStatistics.h"
 
 #include <mpv/client.h>
 
@@ -18,8 +19,10 @@ class PictureLoop {
 public:
     /// `wake` is called on any thread when the core has news; `tellSeen` on this one, when no
     /// target has followed for a while, and when one does again.
-    PictureLoop(
-        mpv_handle& core, std::function<void()> wake, std::function<void(bool isSeen)> tellSeen);
+    PictureLoop(mpv_handle& core,
+        PictureStatistics& statistics,
+        std::function<void()> wake,
+        std::function<void(bool isSeen)> tellSeen);
     ~PictureLoop();
     PictureLoop(const PictureLoop&) = delete;
     PictureLoop& operator=(const PictureLoop&) = delete;
@@ -60,6 +63,7 @@ private:
     Clock::time_point timeOf(const mpv_render_frame_info& picture) const;
 
     mpv_handle& m_core; // for its clock, which any thread may ask
+    PictureStatistics& m_statistics;
     std::function<void()> m_wake;
     std::function<void(bool)> m_tellSeen;
     std::unique_ptr<FramePresenter> m_presenter;
@@ -67,6 +71,7 @@ private:
     /// Before there is anything, the windows keep showing what was on the screen before them.
     enum class Content { Nothing, Picture, LostPicture, Black } m_content = Content::Nothing;
     bool m_isOffered = false; // the core has a picture that has not been taken
+    bool m_isNew = false;     // what was drawn last has not been shown
     bool m_isStale = false;   // what was drawn last is something else than `m_content`
     Time m_due;               // when what was drawn is shown; none when it has been
     Time m_notFollowed;       // since when pictures are offered and no target follows

@@ -23,7 +23,10 @@ namespace {
 /// What the events that answer us carry as their request's number.
 constexpr quint64 endQuery = 1;
 constexpr quint64 seekRequest = 2;
-constexpr quint64 firstUprightRequest = 3;
+constexpr quint64 decoderQuery = 3;
+constexpr quint64 lateQuery = 4;    // pictures that were ready too late
+constexpr quint64 skippedQuery = 5; // and those that were not even decoded
+constexpr quint64 firstUprightRequest = 6;
 constexpr quint64 firstLoad =
     firstUprightRequest + UprightFilter::requestCount; // and from there on
 
@@ -106,6 +109,7 @@ Player::Body::Body()
     : m_output(FrameOutput::shared()),
       m_core(Mpv::create()),
       m_renderThread(*m_core,
+          m_output.statistics(),
           [this](bool isSeen) {
               const auto tell = [this, isSeen] {
                   m_output.holds().set(Holds::Reason::Unseen, !isSeen);
@@ -280,6 +284,10 @@ void Player::Body::beginRound(Round round)
 {
     m_round = round;
     m_picturesBefore = m_renderThread.pictureCount();
+    // Not observed: libmpv would look at them with every picture.
+    mpv_get_property_async(m_core.get(), lateQuery, "frame-drop-count", MPV_FORMAT_INT64);
+    mpv_get_property_async(
+        m_core.get(), skippedQuery, "decoder-frame-drop-count", MPV_FORMAT_INT64);
     m_hasLackedPictures = !m_decodesPictures;
     m_roundTime.start();
     m_isAtEnd = false;
@@ -322,17 +330,13 @@ void Player::Body::handle(const mpv_event& event)
         mpv_get_property_async(m_core.get(), endQuery, "eof-reached", MPV_FORMAT_FLAG);
         break;
     }
-    case MPV_EVENT_GET_PROPERTY_REPLY:
-    case MPV_EVENT_PROPERTY_CHANGE: {
-        const auto& property = *static_cast<const mpv_event_property*>(event.data);
-        if (std::strcmp(property.name, "aid") == 0) {
-            m_hasSound = property.format == MPV_FORMAT_INT64;
-            applyHolds();
-        } else if (property.format == MPV_FORMAT_FLAG) {
-            setIsAtEnd(*static_cast<const int*>(property.data) != 0);
-        }
+    case MPV_EVENT_VIDEO_RECONFIG:
+        mpv_get_property_async(m_core.get(), decoderQuery, "hwdec-current", MPV_FORMAT_STRING);
         break;
-    }
+    case MPV_EVENT_GET_PROPERTY_REPLY:
+    case MPV_EVENT_PROPERTY_CHANGE:
+        handleProperty(event);
+        break;
     case MPV_EVENT_END_FILE: {
         const auto& end = *static_cast<const mpv_event_end_file*>(event.data);
         const bool isOurs = m_entry && end.playlist_entry_id == *m_entry;
@@ -353,6 +357,33 @@ void Player::Body::handle(const mpv_event& event)
     default:
         break;
     }
+}
+
+void Player::Body::handleProperty(const mpv_event& event)
+{
+    const auto& property = *static_cast<const mpv_event_property*>(event.data);
+    if (std::strcmp(property.name, "aid") == 0) {
+        m_hasSound = property.format == MPV_FORMAT_INT64;
+        applyHolds();
+    } else if (event.error < 0) {
+        return; // there is none now
+    } else if (property.format == MPV_FORMAT_FLAG) {
+        setIsAtEnd(*static_cast<const int*>(property.data) != 0);
+    } else if (property.format == MPV_FORMAT_INT64) {
+        countDrops(event.reply_userdata, *static_cast<const std::int64_t*>(property.data));
+    } else if (property.format == MPV_FORMAT_STRING) {
+        const auto name = QString::fromUtf8(*static_cast<char* const*>(property.data));
+        m_output.statistics().decoder = name == u"no" ? u"software"_s : name;
+        Q_EMIT m_output.statusChanged();
+    }
+}
+
+/// libmpv begins to count anew now and then.
+void Player::Body::countDrops(quint64 request, std::int64_t count)
+{
+    const auto before = std::exchange(m_drops[request], count);
+    const auto more = count < before ? count : count - before;
+    m_output.statistics().dropped += static_cast<std::uint64_t>(std::max<std::int64_t>(more, 0));
 }
 
 void Player::Body::handleLoadAnswer(const mpv_event& event)

@@ -11,6 +11,8 @@
 #include <QTimer>
 
 #include <atomic>
+#include <cstdint>
+#include <map>
 #include <optional>
 
 /// A player on one libmpv core.
@@ -59,6 +61,8 @@ private:
     void processEvents();
     void handle(const mpv_event& event);
     void handleLoadAnswer(const mpv_event& event);
+    void handleProperty(const mpv_event& event);
+    void countDrops(quint64 request, std::int64_t count);
     void setIsAtEnd(bool isAtEnd);
 
     FrameOutput& m_output;
@@ -78,9 +82,10 @@ private:
     std::uint64_t m_picturesBefore = 0; // those of earlier rounds
     bool m_isAtEnd = false;
     QElapsedTimer m_roundTime;
-    bool m_hasLackedPictures = false; // in this round nobody looked, for a while at least
-    bool m_isStill = false;           // the round is over but for being looked at
-    QTimer m_stillPicture;            // running meanwhile
+    std::map<quint64, std::int64_t> m_drops; // libmpv's counts, by their requests' numbers
+    bool m_hasLackedPictures = false;        // in this round nobody looked, for a while at least
+    bool m_isStill = false;                  // the round is over but for being looked at
+    QTimer m_stillPicture;                   // running meanwhile
 
     bool m_isPaused = true;
     bool m_canPresent = false; // while it cannot, the core rests

@@ -5,10 +5,11 @@
 #include <unistd.h>
 #include <utility>
 
-RenderThread::RenderThread(mpv_handle& core, std::function<void(bool isSeen)> tellSeen)
+RenderThread::RenderThread(
+    mpv_handle& core, PictureStatistics& statistics, std::function<void(bool isSeen)> tellSeen)
     : m_wakeDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)),
       m_loop(std::make_unique<PictureLoop>(
-          core, [this] { wake(); }, std::move(tellSeen))),
+          core, statistics, [this] { wake(); }, std::move(tellSeen))),
       m_thread([this] { run(); })
 {
 }

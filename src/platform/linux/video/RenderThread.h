@@ -18,7 +18,8 @@ class RenderThread {
 public:
     /// `tellSeen` is called on this thread when no target has followed for a while, and when one
     /// does again.
-    RenderThread(mpv_handle& core, std::function<void(bool isSeen)> tellSeen);
+    RenderThread(
+        mpv_handle& core, PictureStatistics& statistics, std::function<void(bool isSeen)> tellSeen);
     /// Frees the render context, which has to be before the core is destroyed.
     ~RenderThread();
     RenderThread(const RenderThread&) = delete;

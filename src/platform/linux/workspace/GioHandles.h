@@ -14,6 +14,7 @@ struct GioDeleter {
         g_source_unref(source);
     }
     void operator()(char* text) const { g_free(text); }
+    void operator()(GVariant* value) const { g_variant_unref(value); }
     template <typename Object>
     void operator()(Object* object) const
     {

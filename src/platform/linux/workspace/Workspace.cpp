@@ -2,7 +2,7 @@
 
 #include "platform/linux/workspace/DesktopEntry.h"
 #include "platform/linux/workspace/GioThread.h"
-#include "platform/linux/workspace/SleepListener.h"
+#include "platform/linux/workspace/LoginListener.h"
 
 #include <QDesktopServices>
 #include <QLoggingCategory>
@@ -12,8 +12,14 @@ public:
     explicit Body(Workspace& workspace)
     {
         m_gio.post([this, &workspace] {
-            m_sleep = std::make_unique<SleepListener>([&workspace] {
-                QMetaObject::invokeMethod(&workspace, &Workspace::didWake, Qt::QueuedConnection);
+            const auto post = [&workspace](auto message) {
+                QMetaObject::invokeMethod(&workspace, message, Qt::QueuedConnection);
+            };
+            m_login = std::make_unique<LoginListener>(LoginListener::Handlers{
+                [post, &workspace] { post([&workspace] { Q_EMIT workspace.didWake(); }); },
+                [post, &workspace](bool isLocked) {
+                    post([&workspace, isLocked] { Q_EMIT workspace.sessionLockChanged(isLocked); });
+                },
             });
         });
     }
@@ -21,7 +27,7 @@ public:
     void post(std::function<void()> task) { m_gio.post(std::move(task)); }
 
 private:
-    std::unique_ptr<SleepListener> m_sleep; // used on the thread, freed when that has ended
+    std::unique_ptr<LoginListener> m_login; // used on the thread, freed when that has ended
     GioThread m_gio;
 };
 

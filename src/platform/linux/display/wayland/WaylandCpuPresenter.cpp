@@ -159,7 +159,9 @@ public:
             return;
         static constexpr wl_callback_listener frameListener{
             [](void* self, wl_callback* /*callback*/, std::uint32_t /*time*/) {
-                static_cast<Target*>(self)->m_frameCallback.reset();
+                auto& target = *static_cast<Target*>(self);
+                target.m_frameCallback.reset();
+                target.m_surface->setIsFollowing(true);
             },
         };
         m_surface->withSurface([this](wl_surface* surface) {
@@ -170,6 +172,7 @@ public:
             wl_callback_add_listener(m_frameCallback.get(), &frameListener, this);
             wl_surface_commit(surface);
             buffer.isBusy = true;
+            m_surface->setIsFollowing(false);
         });
     }
 

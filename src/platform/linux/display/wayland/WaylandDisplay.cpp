@@ -186,6 +186,11 @@ std::unique_ptr<FramePresenter> WaylandDisplay::makePresenter()
     return std::make_unique<WaylandCpuPresenter>(*m_connection->display(), *m_connection->shm());
 }
 
+QString WaylandDisplay::rendererName() const
+{
+    return canPresent() ? u"CPU, Wayland"_s : QString();
+}
+
 void WaylandDisplay::flush()
 {
     if (m_connection)

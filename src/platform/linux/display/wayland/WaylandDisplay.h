@@ -26,6 +26,7 @@ public:
     QString problem() const override;
     bool canPresent() const override { return m_connection != nullptr; }
     std::unique_ptr<FramePresenter> makePresenter() override;
+    QString rendererName() const override;
 
 protected:
     std::unique_ptr<NativeWindow> makeWindow(

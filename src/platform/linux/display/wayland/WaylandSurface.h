@@ -3,6 +3,8 @@
 #include "platform/linux/display/wayland/WaylandHandles.h"
 #include "platform/linux/video/FrameTarget.h"
 
+#include <atomic>
+#include <chrono>
 #include <functional>
 #include <mutex>
 
@@ -18,7 +20,15 @@ public:
     /// Hands the surface back; any thread may hold on to the rest.
     WaylandHandle<wl_surface> end();
 
+    /// Whether the compositor wants the next picture. While it does not for long, nobody sees this
+    /// one. Any thread.
+    void setIsFollowing(bool isFollowing);
+    bool isOverdue() const;
+
 private:
+    using Clock = std::chrono::steady_clock;
+    static constexpr Clock::rep never = 0;
+    std::atomic<Clock::rep> m_waitingSince = never;
     std::mutex m_mutex;
     WaylandHandle<wl_surface> m_surface;
 };

@@ -35,6 +35,8 @@ public:
 
     void commit(const WindowState& wish, bool isOrderedAnew) override;
     FrameTarget target(const QRect& viewFrame) const override;
+    bool isShown() const override { return m_surface != nullptr; }
+    bool isCovered() const override { return m_surface && m_surface->isOverdue(); }
 
 private:
     static const zwlr_layer_surface_v1_listener layerListener;

@@ -3,6 +3,7 @@
 #include <QAbstractEventDispatcher>
 
 #include <xcb/randr.h>
+#include <xcb/screensaver.h>
 #include <xcb/xinput.h>
 
 #include <utility>
@@ -103,6 +104,7 @@ X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
     xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &events);
     followMonitors();
     askForTouches();
+    followScreenSaver();
 
     connect(&m_notifier, &QSocketNotifier::activated, this, &X11Connection::processEvents);
     // Waiting for a reply may read events into xcb's own queue, where no descriptor tells of them.
@@ -136,6 +138,15 @@ void X11Connection::askForTouches()
         xcb_input_xi_query_version_reply(get(), xcb_input_xi_query_version(get(), 2, 2), nullptr));
     m_knowsTouches = version && (version->major_version > 2 ||
                                     (version->major_version == 2 && version->minor_version >= 2));
+}
+
+void X11Connection::followScreenSaver()
+{
+    if (!hasExtension(get(), xcb_screensaver_id))
+        return;
+    m_screenSaverEvent = static_cast<std::uint8_t>(
+        xcb_get_extension_data(get(), &xcb_screensaver_id)->first_event + XCB_SCREENSAVER_NOTIFY);
+    xcb_screensaver_select_input(get(), root(), XCB_SCREENSAVER_EVENT_NOTIFY_MASK);
 }
 
 xcb_atom_t X11Connection::atom(const std::string& name)
@@ -234,6 +245,10 @@ void X11Connection::deliver(const xcb_generic_event_t& event)
                            kind(event) <= m_randrFirstEvent + XCB_RANDR_NOTIFY;
     if (isOfRandr) {
         Q_EMIT monitorsChanged();
+        return;
+    }
+    if (m_screenSaverEvent != 0 && kind(event) == m_screenSaverEvent) {
+        Q_EMIT screenSaverChanged();
         return;
     }
     const auto watches = m_watches; // a copy: a handler may end its own watch

@@ -65,6 +65,8 @@ Q_SIGNALS:
     void rootChildrenChanged();
     /// RandR has told of the monitors, or the root window has another size.
     void monitorsChanged();
+    /// The server's screen saver has begun or ended.
+    void screenSaverChanged();
     /// The server has closed the connection.
     void lost();
 
@@ -80,6 +82,7 @@ private:
     void deliver(const xcb_generic_event_t& event);
     void followMonitors();
     void askForTouches();
+    void followScreenSaver();
 
     X11ConnectionHandle m_connection;
     X11Hints m_hints;
@@ -90,4 +93,5 @@ private:
     std::uint8_t m_randrFirstEvent = 0; // 0 where there is no RandR
     bool m_knowsMonitors = false;
     bool m_knowsTouches = false;
+    std::uint8_t m_screenSaverEvent = 0;
 };

@@ -2,10 +2,11 @@
 
 #include "base/Observe.h"
 
+#include "platform/linux/display/x11/X11PictureVisual.h"
 #include "platform/linux/display/x11/X11WindowHints.h"
 #include "platform/linux/display/x11/X11WindowInput.h"
+#include "platform/linux/display/x11/X11WindowShape.h"
 
-#include <xcb/shape.h>
 #include <xcb/xinput.h>
 
 #include <array>
@@ -15,46 +16,6 @@
 using namespace std::chrono_literals;
 
 namespace {
-
-/// A visual with 8 bits a colour in 32-bit pixels, which is what frames are drawn in, and the
-/// depth that goes with it. The root's own wherever it qualifies, as it nearly always does.
-struct PictureVisual {
-    xcb_visualid_t identifier = XCB_NONE;
-    std::uint8_t depth = 0;
-    xcb_colormap_t colormap = XCB_NONE; // one for all windows
-};
-
-PictureVisual findPictureVisual(X11Connection& x11)
-{
-    const auto& screen = x11.screen();
-    PictureVisual found;
-    for (auto depth = xcb_screen_allowed_depths_iterator(&screen); depth.rem > 0;
-         xcb_depth_next(&depth)) {
-        if (depth.data->depth != 24)
-            continue;
-        for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem > 0;
-             xcb_visualtype_next(&visual)) {
-            const auto& type = *visual.data;
-            if (type._class != XCB_VISUAL_CLASS_TRUE_COLOR || type.red_mask != 0xff0000 ||
-                type.green_mask != 0xff00 || type.blue_mask != 0xff)
-                continue;
-            if (found.identifier == XCB_NONE || type.visual_id == screen.root_visual)
-                found = {type.visual_id, depth.data->depth, XCB_NONE};
-        }
-    }
-    if (found.identifier == XCB_NONE)
-        qFatal("The display has no 24-bit true-colour visual.");
-    found.colormap = xcb_generate_id(x11.get());
-    xcb_create_colormap(
-        x11.get(), XCB_COLORMAP_ALLOC_NONE, found.colormap, screen.root, found.identifier);
-    return found;
-}
-
-const PictureVisual& pictureVisual(X11Connection& x11)
-{
-    static const auto visual = findPictureVisual(x11);
-    return visual;
-}
 
 /// How long to wait until a window manager has let go of a window: without a word of it, and after
 /// its word, because it may remove more.
@@ -89,7 +50,7 @@ X11DesktopWindow::~X11DesktopWindow()
 void X11DesktopWindow::create()
 {
     auto* const x11 = m_connection.get();
-    const auto& visual = pictureVisual(m_connection);
+    const auto& visual = X11PictureVisual::of(m_connection);
     const auto& frame = m_committed.frame;
     m_window = xcb_generate_id(x11);
     m_surface = std::make_shared<X11Surface>(m_window);
@@ -297,37 +258,18 @@ void X11DesktopWindow::noteShown()
         m_isCovered = isCovered;
         tellTargetChange();
     });
-    letInputThrough(m_placement == Placement::InFront);
+    letInputThrough();
     tellTargetChange();
 }
 
-/// In front of another program's desktop, whose menus and icons shall be used as ever. Only while
-/// mapped: before, xfwm4 and openbox lose it.
-void X11DesktopWindow::letInputThrough(bool doesLetThrough)
+/// To another program's desktop behind us, whose menus and icons shall be used as ever.
+void X11DesktopWindow::letInputThrough()
 {
-    if (!hasExtension(m_connection.get(), xcb_shape_id))
-        return;
-    if (!doesLetThrough) {
-        m_listening.reset();
-        xcb_shape_mask(m_connection.get(),
-            XCB_SHAPE_SO_SET,
-            XCB_SHAPE_SK_INPUT,
-            m_window,
-            0,
-            0,
-            XCB_PIXMAP_NONE);
-        return;
-    }
-    m_listening = m_services.presses.listen();
-    xcb_shape_rectangles(m_connection.get(),
-        XCB_SHAPE_SO_SET,
-        XCB_SHAPE_SK_INPUT,
-        XCB_CLIP_ORDERING_UNSORTED,
-        m_window,
-        0,
-        0,
-        0,
-        nullptr);
+    using X11WindowShape::Input;
+    const auto input = m_placement == Placement::InFront ? Input::LetThrough : Input::Taken;
+    m_listening.reset();
+    if (X11WindowShape::setInput(m_connection, m_window, input) && input == Input::LetThrough)
+        m_listening = m_services.presses.listen();
 }
 
 /// The icons of the desktop behind us are seen through holes.
@@ -346,31 +288,7 @@ void X11DesktopWindow::shape()
     const auto shape = holes.isEmpty() ? QRegion() : QRegion(all) - holes;
     if (std::exchange(m_shape, shape) == shape)
         return;
-    if (shape.isEmpty()) {
-        xcb_shape_mask(m_connection.get(),
-            XCB_SHAPE_SO_SET,
-            XCB_SHAPE_SK_BOUNDING,
-            m_window,
-            0,
-            0,
-            XCB_PIXMAP_NONE);
-        return;
-    }
-    std::vector<xcb_rectangle_t> rectangles;
-    for (const auto& part : shape)
-        rectangles.push_back({static_cast<std::int16_t>(part.x()),
-            static_cast<std::int16_t>(part.y()),
-            static_cast<std::uint16_t>(part.width()),
-            static_cast<std::uint16_t>(part.height())});
-    xcb_shape_rectangles(m_connection.get(),
-        XCB_SHAPE_SO_SET,
-        XCB_SHAPE_SK_BOUNDING,
-        XCB_CLIP_ORDERING_YX_BANDED,
-        m_window,
-        0,
-        0,
-        static_cast<std::uint32_t>(rectangles.size()),
-        rectangles.data());
+    X11WindowShape::setArea(m_connection, m_window, shape);
     xcb_flush(m_connection.get());
 }
 

@@ -39,6 +39,8 @@ public:
 
     void commit(const WindowState& wish, bool isOrderedAnew) override;
     FrameTarget target(const QRect& viewFrame) const override;
+    bool isShown() const override { return m_isMapped; }
+    bool isCovered() const override { return m_isCovered; }
 
 private:
     void create();
@@ -53,7 +55,7 @@ private:
     void map();
     void unmap();
     void noteShown();
-    void letInputThrough(bool doesLetThrough);
+    void letInputThrough();
     void shape();
     void restack(StackingOrder order);
 

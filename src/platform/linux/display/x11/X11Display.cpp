@@ -21,7 +21,8 @@ X11Display::X11Display(std::unique_ptr<X11Connection> connection)
       m_placements(m_foreignDesktops, m_windowManager),
       m_presses(*m_connection, m_foreignDesktops),
       m_icons(*m_connection, m_foreignDesktops),
-      m_occlusion(*m_connection, m_windowManager)
+      m_occlusion(*m_connection, m_windowManager),
+      m_blanking(*m_connection)
 {
     connect(m_connection.get(), &X11Connection::lost, this, &DisplayServer::lost);
     connect(
@@ -36,6 +37,12 @@ X11Display::X11Display(std::unique_ptr<X11Connection> connection)
     });
     connect(&m_occlusion, &X11Occlusion::changed, this, &DisplayServer::occlusionChanged);
     connect(&m_icons, &X11DesktopIcons::problemChanged, this, &DisplayServer::problemChanged);
+    connect(&m_occlusion, &X11Occlusion::windowChanged, this, &FrameOutput::statusChanged);
+    const auto holdWhileBlanked = [this] {
+        holds().set(Holds::Reason::Blanked, m_blanking.isBlanked());
+    };
+    connect(&m_blanking, &X11Blanking::changed, this, holdWhileBlanked);
+    holdWhileBlanked();
     connect(&m_windowManager, &X11WindowManager::desktopWindowSupportChanged, this, [this] {
         if (std::exchange(m_couldPresent, canPresent()) == m_couldPresent)
             return;
@@ -79,6 +86,11 @@ bool X11Display::canPresent() const
 std::unique_ptr<FramePresenter> X11Display::makePresenter()
 {
     return std::make_unique<X11CpuPresenter>();
+}
+
+QString X11Display::rendererName() const
+{
+    return canPresent() ? u"CPU, X11"_s : QString();
 }
 
 std::unique_ptr<NativeWindow> X11Display::makeWindow(const Screen& screen, const WindowState& wish)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/display/DisplayServer.h"
+#include "platform/linux/display/x11/X11Blanking.h"
 #include "platform/linux/display/x11/X11Connection.h"
 #include "platform/linux/display/x11/X11DesktopIcons.h"
 #include "platform/linux/display/x11/X11DesktopPresses.h"
@@ -22,6 +23,7 @@ public:
     QString problem() const override;
     bool canPresent() const override;
     std::unique_ptr<FramePresenter> makePresenter() override;
+    QString rendererName() const override;
 
 protected:
     std::unique_ptr<NativeWindow> makeWindow(
@@ -38,5 +40,6 @@ private:
     X11DesktopPresses m_presses;
     X11DesktopIcons m_icons;
     X11Occlusion m_occlusion;
+    X11Blanking m_blanking;
     bool m_couldPresent = false;
 };

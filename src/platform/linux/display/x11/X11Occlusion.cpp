@@ -99,6 +99,8 @@ void X11Occlusion::look()
 void X11Occlusion::setIsCovered(xcb_window_t window, bool isCovered)
 {
     const auto shown = m_shown.find(window);
-    if (shown != m_shown.end() && std::exchange(shown->second.isCovered, isCovered) != isCovered)
-        shown->second.covered(isCovered);
+    if (shown == m_shown.end() || std::exchange(shown->second.isCovered, isCovered) == isCovered)
+        return;
+    shown->second.covered(isCovered);
+    Q_EMIT windowChanged();
 }

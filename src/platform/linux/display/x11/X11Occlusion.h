@@ -31,6 +31,8 @@ Q_SIGNALS:
     /// From "one can be seen", which holds at first, to "all are covered" or back, once windows
     /// have settled. Nothing changes while none is shown.
     void changed();
+    /// A window has been told.
+    void windowChanged();
 
 private:
     struct Shown {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 
 namespace {
@@ -164,6 +165,20 @@ private:
     Values m_currentDesktop;
 };
 
+/// What window managers put around windows.
+std::set<xcb_window_t> frames(X11Connection& x11, const std::set<xcb_window_t>& windows)
+{
+    std::vector<xcb_query_tree_cookie_t> questions;
+    for (const auto window : windows)
+        questions.push_back(xcb_query_tree(x11.get(), window));
+    std::set<xcb_window_t> parents;
+    for (const auto question : questions) {
+        if (const auto answer = own(xcb_query_tree_reply(x11.get(), question, nullptr)))
+            parents.insert(answer->parent);
+    }
+    return parents;
+}
+
 Values rootChildren(X11Connection& x11)
 {
     const auto tree =
@@ -172,6 +187,39 @@ Values rootChildren(X11Connection& x11)
         return {};
     const auto* windows = xcb_query_tree_children(tree.get());
     return {windows, windows + xcb_query_tree_children_length(tree.get())};
+}
+
+/// Windows that bypass the window manager are not on its list. Those that are as large as a monitor
+/// and in front of ours are screen lockers and screen savers; menus and tooltips are smaller.
+Values lockers(X11Connection& x11, const std::set<xcb_window_t>& ours)
+{
+    const auto children = rootChildren(x11);
+    const auto parents = frames(x11, ours);
+    const auto lowest = std::ranges::find_if(children,
+        [&](xcb_window_t child) { return ours.contains(child) || parents.contains(child); });
+    struct Pending {
+        xcb_window_t window;
+        xcb_get_window_attributes_cookie_t attributes;
+        xcb_get_geometry_cookie_t geometry;
+    };
+    std::vector<Pending> pending;
+    for (auto child = lowest; child != children.end() && pending.size() < mostWindows; ++child)
+        pending.push_back({*child,
+            xcb_get_window_attributes(x11.get(), *child),
+            xcb_get_geometry(x11.get(), *child)});
+
+    constexpr int smallest = 400; // pixels; no monitor is smaller
+    Values found;
+    for (const auto& [window, attributesCookie, geometryCookie] : pending) {
+        const auto attributes =
+            own(xcb_get_window_attributes_reply(x11.get(), attributesCookie, nullptr));
+        const auto geometry = own(xcb_get_geometry_reply(x11.get(), geometryCookie, nullptr));
+        if (attributes && geometry && attributes->override_redirect != 0 &&
+            attributes->map_state == XCB_MAP_STATE_VIEWABLE && geometry->width >= smallest &&
+            geometry->height >= smallest && !ours.contains(window))
+            found.push_back(window);
+    }
+    return found;
 }
 
 } // namespace
@@ -186,7 +234,9 @@ std::vector<StackedWindow> X11WindowStack::read(
     const bool isManaged = !windows.empty();
     if (!isManaged)
         windows = rootChildren(x11);
-    std::reverse(windows.begin(), windows.end()); // both are told from the bottom
+    if (isManaged)
+        std::ranges::copy(lockers(x11, ours), std::back_inserter(windows));
+    std::reverse(windows.begin(), windows.end()); // all are told from the bottom
     windows.resize(std::min(windows.size(), mostWindows));
     // Those of ours that bypass the window manager are not on its list; they are at the bottom.
     for (const auto window : ours) {
