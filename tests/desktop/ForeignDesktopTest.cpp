@@ -55,6 +55,10 @@ private Q_SLOTS:
         QTest::qWait(1000); // whatever is decided has been by then
         QTRY_COMPARE(m_desktop->rightColour(), seen);
         QCOMPARE(m_desktop->leftColour(), u"blue"_s);
+        const auto wallpaper = m_desktop->windowNamed(u"TavelorHelper"_s);
+        const auto states = m_desktop->property(wallpaper, "_NET_WM_STATE");
+        QVERIFY(states.contains(bytes(m_desktop->atom("_NET_WM_STATE_SKIP_TASKBAR"))));
+        QCOMPARE(states.contains(bytes(m_desktop->atom("_NET_WM_STATE_BELOW"))), seen == u"red");
         m_desktop->closeWindow(window);
         QTRY_COMPARE(m_desktop->leftColour(), seen);
     }
@@ -64,6 +68,7 @@ private Q_SLOTS:
         makeDesktop();
         startProgram({.hasAlpha = true});
         start();
+        QTest::qWait(1000); // nothing else is looked at any more
 
         m_desktop->pretendCompositing();
 
@@ -132,6 +137,10 @@ private Q_SLOTS:
         m_desktop->click({600, 300});
         QTRY_COMPARE(m_program->buttons().size(), 6U);
         QTRY_COMPARE(m_helper->lines().count(u"mouse down"_s), 2);
+
+        m_desktop->swapButtons();
+        m_desktop->click({600, 300}, 3);
+        QTRY_COMPARE(m_helper->lines().count(u"mouse down"_s), 3);
     }
 
     void icons_areSeenThroughTheVideo_data()

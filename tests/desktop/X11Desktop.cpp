@@ -218,6 +218,16 @@ xcb_window_t X11Desktop::openWindow(WindowKind kind, const QColor& colour, const
     return window;
 }
 
+void X11Desktop::swapButtons() const
+{
+    const auto old = own(xcb_get_pointer_mapping_reply(
+        connection(), xcb_get_pointer_mapping(connection()), nullptr));
+    auto* const map = xcb_get_pointer_mapping_map(old.get());
+    std::swap(map[0], map[2]);
+    own(xcb_set_pointer_mapping_reply(
+        connection(), xcb_set_pointer_mapping(connection(), old->map_len, map), nullptr));
+}
+
 std::pair<std::uint8_t, xcb_visualid_t> X11Desktop::visual(bool hasAlpha) const
 {
     if (!hasAlpha)

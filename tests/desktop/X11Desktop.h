@@ -39,6 +39,8 @@ public:
     QImage picture(const QRect& area = {}) const;
     /// Over the windows that are there.
     void paint(const QRect& area, const QColor& colour) const;
+    /// For the left hand: button 3 is the primary one from now on.
+    void swapButtons() const;
     void cover(const QColor& colour, Extent extent) override;
     void uncover() override;
 

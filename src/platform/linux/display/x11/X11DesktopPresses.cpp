@@ -44,18 +44,29 @@ void X11DesktopPresses::select(std::uint32_t events)
 void X11DesktopPresses::handle(const xcb_generic_event_t& event)
 {
     const auto& button = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
-    if (button.detail != primaryButton)
-        return;
     if (button.event_type == XCB_INPUT_RAW_BUTTON_PRESS) {
+        if (!isPrimary(button.detail))
+            return;
         const auto where = pointer();
         m_isPressed = where && where->isOnDesktop;
         if (m_isPressed)
             Q_EMIT pressed(where->position);
-    } else if (button.event_type == XCB_INPUT_RAW_BUTTON_RELEASE &&
+    } else if (button.event_type == XCB_INPUT_RAW_BUTTON_RELEASE && isPrimary(button.detail) &&
                std::exchange(m_isPressed, false)) {
         if (const auto where = pointer())
             Q_EMIT released(where->position);
     }
+}
+
+/// Raw events tell the device's button, before those for the left hand are swapped.
+bool X11DesktopPresses::isPrimary(std::uint32_t deviceButton)
+{
+    auto* const x11 = m_connection.get();
+    const auto reply =
+        own(xcb_get_pointer_mapping_reply(x11, xcb_get_pointer_mapping(x11), nullptr));
+    if (!reply || deviceButton == 0 || deviceButton > reply->map_len)
+        return deviceButton == primaryButton;
+    return xcb_get_pointer_mapping_map(reply.get())[deviceButton - 1] == primaryButton;
 }
 
 /// A raw event does not tell where. The path leads from the root window down to the window that

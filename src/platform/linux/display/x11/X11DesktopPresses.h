@@ -30,6 +30,7 @@ Q_SIGNALS:
 private:
     void select(std::uint32_t events);
     void handle(const xcb_generic_event_t& event);
+    bool isPrimary(std::uint32_t deviceButton);
     struct Pointer {
         QPoint position;
         bool isOnDesktop;

@@ -40,7 +40,7 @@ public:
     void commit(const WindowState& wish, bool isOrderedAnew) override;
     FrameTarget target(const QRect& viewFrame) const override;
     bool isShown() const override { return m_isMapped; }
-    bool isCovered() const override { return m_isCovered; }
+    bool isCovered() const override { return m_isMapped && (!m_shown || m_isCovered); }
 
 private:
     void create();

@@ -178,6 +178,7 @@ std::vector<X11ForeignDesktop> X11ForeignDesktops::read()
     watch(windows); // before the questions, so that no change falls between
     const bool hasShapes = hasExtension(m_connection.get(), xcb_shape_id);
     std::vector<Question> questions;
+    questions.reserve(windows.size());
     for (const auto window : windows)
         questions.emplace_back(m_connection, window, hasShapes);
 
@@ -202,6 +203,7 @@ std::vector<xcb_window_t> X11ForeignDesktops::desktopWindows()
     windows.resize(std::min(windows.size(), mostWindows));
 
     std::vector<X11PropertyCookie> questions;
+    questions.reserve(windows.size());
     for (const auto window : windows)
         questions.push_back(
             m_connection.askForProperty(window, hints._NET_WM_WINDOW_TYPE, XCB_ATOM_ATOM));

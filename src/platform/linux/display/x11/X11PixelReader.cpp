@@ -67,7 +67,7 @@ std::optional<Pixels> readSent(X11Connection& x11, xcb_drawable_t drawable, cons
 std::optional<Pixels> X11PixelReader::read(
     X11Connection& x11, xcb_drawable_t drawable, const QRect& area)
 {
-    constexpr std::size_t worthSharing = 128 * 128;
+    constexpr std::size_t worthSharing = 16'384;
     if (pixelCount(area) >= worthSharing) {
         const auto canvas =
             SharedCanvas::create(x11.get(), area.size(), SharedCanvas::Access::Write);

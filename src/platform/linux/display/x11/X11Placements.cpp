@@ -33,10 +33,11 @@ X11Placements::X11Placements(X11ForeignDesktops& desktops, X11WindowManager& win
     connect(&m_windowManager, &X11WindowManager::nameChanged, this, &X11Placements::decide);
 }
 
-/// Small ones, as monitors of the system's load are, stay in front.
+/// Small ones, as monitors of the system's load are, stay in front. One that still has the size of
+/// a monitor that is gone is not small.
 Placement X11Placements::of(const QRect& frame) const
 {
-    const bool isHidden = 2 * pixelCount(m_decision.opaqueArea & frame) > pixelCount(frame);
+    const bool isHidden = 4 * pixelCount(m_decision.opaqueArea & frame) > pixelCount(frame);
     return isHidden || m_decision.isInFrontEverywhere ? Placement::InFront : Placement::Behind;
 }
 
