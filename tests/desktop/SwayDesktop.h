@@ -30,6 +30,8 @@ public:
     void unplug();
     /// Of the output of that number, from 0 on.
     void configure(std::size_t output, const QString& settings);
+    /// Where the outputs are windows, the first at the left top.
+    const X11Desktop& screen() const { return m_screen; }
     /// What an output shows, in its own pixels.
     QImage picture(std::size_t output) const;
 

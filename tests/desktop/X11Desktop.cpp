@@ -51,16 +51,18 @@ void X11Desktop::nameDisplay(QProcessEnvironment& environment) const
     environment.insert(u"DISPLAY"_s, m_display);
 }
 
-void X11Desktop::startWindowManager()
+void X11Desktop::startWindowManager(const QString& command, const QProcessEnvironment& additions)
 {
     // The last thing that openbox publishes when it starts.
     constexpr auto last = "_NET_SUPPORTED";
     xcb_delete_property(connection(), root(), atom(last));
-    m_windowManager.setProcessEnvironment(environment());
+    auto variables = environment();
+    variables.insert(additions);
+    m_windowManager.setProcessEnvironment(variables);
     ChildProcess::endWithThisProcess(m_windowManager);
-    m_windowManager.start(u"openbox"_s, {});
+    m_windowManager.startCommand(command);
     if (!QTest::qWaitFor([this] { return !property(root(), last).isEmpty(); }, 20'000))
-        qFatal("openbox does not start.");
+        qFatal("%s does not start.", qUtf8Printable(command));
 }
 
 void X11Desktop::killWindowManager()
@@ -90,19 +92,27 @@ void X11Desktop::setMonitors(Monitors monitors)
 
 std::optional<QColor> X11Desktop::pixel(const QPoint& point) const
 {
+    const auto image = picture({point, QSize(1, 1)});
+    return image.isNull() ? std::nullopt : std::optional(image.pixelColor(0, 0));
+}
+
+QImage X11Desktop::picture(const QRect& area) const
+{
+    const auto taken = area.isNull() ? QRect({0, 0}, size()) : area;
     const auto cookie = xcb_get_image(connection(),
         XCB_IMAGE_FORMAT_Z_PIXMAP,
         root(),
-        word(point.x()),
-        word(point.y()),
-        1,
-        1,
+        static_cast<std::int16_t>(taken.x()),
+        static_cast<std::int16_t>(taken.y()),
+        word(taken.width()),
+        word(taken.height()),
         ~0U);
-    const auto image = own(xcb_get_image_reply(connection(), cookie, nullptr));
-    if (!image)
+    const auto reply = own(xcb_get_image_reply(connection(), cookie, nullptr));
+    if (!reply)
         return {};
-    const auto* bytes = xcb_get_image_data(image.get());
-    return QColor(bytes[2], bytes[1], bytes[0]);
+    const auto* const data = xcb_get_image_data(reply.get());
+    // A copy, because the image does not own the reply.
+    return QImage(data, taken.width(), taken.height(), QImage::Format_RGB32).copy();
 }
 
 QColor X11Desktop::bareColour() const
@@ -119,6 +129,31 @@ void X11Desktop::click(const QPoint& point, std::uint8_t button) const
     fake(XCB_MOTION_NOTIFY, 0);
     fake(XCB_BUTTON_PRESS, button);
     fake(XCB_BUTTON_RELEASE, button);
+    xcb_flush(connection());
+}
+
+void X11Desktop::paint(const QRect& area, const QColor& colour) const
+{
+    const auto context = xcb_generate_id(connection());
+    const std::array<std::uint32_t, 2> values{
+        colour.rgb() & 0xffffff, XCB_SUBWINDOW_MODE_INCLUDE_INFERIORS};
+    xcb_create_gc(
+        connection(), context, root(), XCB_GC_FOREGROUND | XCB_GC_SUBWINDOW_MODE, values.data());
+    const xcb_rectangle_t rectangle{static_cast<std::int16_t>(area.x()),
+        static_cast<std::int16_t>(area.y()),
+        word(area.width()),
+        word(area.height())};
+    xcb_poly_fill_rectangle(connection(), root(), context, 1, &rectangle);
+    xcb_free_gc(connection(), context);
+    xcb_flush(connection());
+}
+
+void X11Desktop::pressKey(std::uint8_t keyCode) const
+{
+    for (const auto type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+        xcb_test_fake_input(
+            connection(), static_cast<std::uint8_t>(type), keyCode, 0, XCB_NONE, 0, 0, 0);
+    }
     xcb_flush(connection());
 }
 
@@ -247,10 +282,16 @@ void X11Desktop::requestClose() const
 
 void X11Desktop::requestToCloseTopmost() const
 {
+    const auto window = topWindows().back();
+    send(window, XCB_EVENT_MASK_NO_EVENT, window, "WM_PROTOCOLS", atom("WM_DELETE_WINDOW"));
+}
+
+std::vector<xcb_window_t> X11Desktop::topWindows() const
+{
     const auto tree =
         own(xcb_query_tree_reply(connection(), xcb_query_tree(connection(), root()), nullptr));
-    const auto window = xcb_query_tree_children(tree.get())[tree->children_len - 1];
-    send(window, XCB_EVENT_MASK_NO_EVENT, window, "WM_PROTOCOLS", atom("WM_DELETE_WINDOW"));
+    const auto* const windows = xcb_query_tree_children(tree.get());
+    return {windows, windows + tree->children_len};
 }
 
 QStringList X11Desktop::windowTitles() const
@@ -259,6 +300,18 @@ QStringList X11Desktop::windowTitles() const
     for (const auto window : managedWindows())
         titles << QString::fromUtf8(property(window, "_NET_WM_NAME"));
     return titles;
+}
+
+QStringList X11Desktop::desktopPrograms() const
+{
+    QStringList programs;
+    const auto desktop = atom("_NET_WM_WINDOW_TYPE_DESKTOP");
+    for (const auto window : managedWindows()) {
+        const auto types = property(window, "_NET_WM_WINDOW_TYPE");
+        if (types.contains(QByteArray(reinterpret_cast<const char*>(&desktop), sizeof desktop)))
+            programs << QString::fromUtf8(property(window, "WM_CLASS").constData());
+    }
+    return programs;
 }
 
 xcb_window_t X11Desktop::windowNamed(const QString& title) const

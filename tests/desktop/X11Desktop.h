@@ -3,6 +3,7 @@
 #include "desktop/VirtualDesktop.h"
 #include "platform/linux/display/x11/X11Handles.h"
 
+#include <QImage>
 #include <QRect>
 #include <QSize>
 
@@ -24,14 +25,20 @@ public:
     /// Makes it where the server has none of that name.
     xcb_atom_t atom(const char* name) const;
 
-    /// Returns when it manages windows.
-    void startWindowManager();
+    /// With additions to environment(). Returns when it manages windows.
+    void startWindowManager(const QString& command = QStringLiteral("openbox"),
+        const QProcessEnvironment& additions = {});
     /// Kills it, so that it cannot tidy up.
     void killWindowManager();
 
     void setMonitors(Monitors monitors) override;
     void click(const QPoint& point) override { click(point, 1); }
     void click(const QPoint& point, std::uint8_t button) const;
+    void pressKey(std::uint8_t keyCode) const;
+    /// What the server shows there; the whole of it for no area. Null where it shows nothing.
+    QImage picture(const QRect& area = {}) const;
+    /// Over the windows that are there.
+    void paint(const QRect& area, const QColor& colour) const;
     /// For the left hand: button 3 is the primary one from now on.
     void swapButtons() const;
     void cover(const QColor& colour, Extent extent) override;
@@ -69,8 +76,12 @@ public:
     /// Of every window that is managed.
     void requestClose() const;
 
+    /// Of all programs, the topmost last.
+    std::vector<xcb_window_t> topWindows() const;
     /// Of the managed windows, in the order in which they came.
     QStringList windowTitles() const;
+    /// Whose windows of the type desktop are managed, by the instance of their class.
+    QStringList desktopPrograms() const;
     /// The first managed one with that title, or none.
     xcb_window_t windowNamed(const QString& title) const;
     QByteArray property(xcb_window_t window, const char* name) const;
