@@ -108,10 +108,13 @@ X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
 
     connect(&m_notifier, &QSocketNotifier::activated, this, &X11Connection::processEvents);
     // Waiting for a reply may read events into xcb's own queue, where no descriptor tells of them.
-    connect(QAbstractEventDispatcher::instance(),
+    // A loop that does not block says that it is awake instead.
+    auto* const dispatcher = QAbstractEventDispatcher::instance();
+    connect(dispatcher,
         &QAbstractEventDispatcher::aboutToBlock,
         this,
         &X11Connection::processEvents);
+    connect(dispatcher, &QAbstractEventDispatcher::awake, this, &X11Connection::processEvents);
 }
 
 void X11Connection::followMonitors()
