@@ -59,7 +59,9 @@ void X11DesktopWindow::create()
     const std::array<std::uint32_t, 5> values{XCB_BACK_PIXMAP_NONE,
         0,                      // border pixel, because the depth may differ from the root's
         XCB_GRAVITY_NORTH_WEST, // what is shown stays when the size changes
-        XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE,
+        XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE |
+            // for presses that a window manager grabs and gives back, as mutter does
+            XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
         visual.colormap};
     xcb_create_window(x11,
         visual.depth,
