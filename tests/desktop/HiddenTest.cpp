@@ -72,8 +72,10 @@ private Q_SLOTS:
             u"ALSA_CONFIG_PATH"_s, m_helper->home().path() + u"/asound.conf"_s);
         for (const auto& [sign, colour] : {std::pair(u"r"_s, u"red"_s), {u"g"_s, u"lime"_s}}) {
             const auto file = m_helper->videoFile(sign);
+            // This sound card takes all that there is at once, and a round of a moment is repeated
+            // late: so there is much.
             TestVideos::make(file,
-                u"-f lavfi -i color=c=%1:s=1280x720:r=30:d=1 -f lavfi -i sine=d=1 -pix_fmt yuv420p"_s
+                u"-f lavfi -i color=c=%1:s=64x64:r=30:d=1 -f lavfi -i sine=d=600 -pix_fmt yuv420p"_s
                     .arg(colour)
                     .split(u' '));
             m_helper->addRow(sign, file);
