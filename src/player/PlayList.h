@@ -86,7 +86,7 @@ private:
     bool m_isUnread = false;       // the library could not be read when the list was built
     bool m_isChoiceUnread = false; // and when the chosen video was looked up
     std::optional<VideoDetail> m_opened;
-    QSet<QString> m_failedFiles;   // since a video has last played
-    QTimer m_openingTime;          // running while an item is new
+    QSet<QString> m_failedFiles; // since a video has last played
+    QTimer m_openingTime;        // running while an item is new
     PlayableFileWatch m_fileWatch;
 };

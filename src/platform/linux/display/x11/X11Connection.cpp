@@ -110,10 +110,8 @@ X11Connection::X11Connection(X11ConnectionHandle connection, int screenNumber)
     // Waiting for a reply may read events into xcb's own queue, where no descriptor tells of them.
     // A loop that does not block says that it is awake instead.
     auto* const dispatcher = QAbstractEventDispatcher::instance();
-    connect(dispatcher,
-        &QAbstractEventDispatcher::aboutToBlock,
-        this,
-        &X11Connection::processEvents);
+    connect(
+        dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, &X11Connection::processEvents);
     connect(dispatcher, &QAbstractEventDispatcher::awake, this, &X11Connection::processEvents);
 }
 

@@ -68,12 +68,12 @@ private:
     bool m_isManaged = false;                  // as it was last mapped
     Placement m_placement = Placement::Behind; // as it was last mapped
     bool m_isInputShaped = false;
-    QRegion m_shape;                           // of the window, empty where it has none
-    QTimer m_withdrawal;                       // until the window may be mapped again
-    bool m_isCovered = false;                  // while it is shown
-    std::optional<Disposable> m_shown;         // while the server shows it
-    std::optional<Disposable> m_listening;     // while input goes through it
-    std::optional<Disposable> m_following;     // while icons are to be seen through it
+    QRegion m_shape;                       // of the window, empty where it has none
+    QTimer m_withdrawal;                   // until the window may be mapped again
+    bool m_isCovered = false;              // while it is shown
+    std::optional<Disposable> m_shown;     // while the server shows it
+    std::optional<Disposable> m_listening; // while input goes through it
+    std::optional<Disposable> m_following; // while icons are to be seen through it
     std::optional<Disposable> m_events;
     std::optional<Disposable> m_managerChanges;
     std::optional<Disposable> m_placementChanges;
