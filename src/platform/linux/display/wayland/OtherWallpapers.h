@@ -9,4 +9,7 @@ namespace OtherWallpapers {
 /// The name of one that this user runs; empty where there is none that is known.
 QString running();
 
+/// Whether this user runs Plasma's desktop.
+bool isPlasmaRunning();
+
 } // namespace OtherWallpapers

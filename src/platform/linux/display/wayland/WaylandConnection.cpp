@@ -173,6 +173,7 @@ void WaylandConnection::bind(std::uint32_t name, const char* interface, std::uin
     take(m_viewporter, wp_viewporter_interface, 1);
     take(m_fractions, wp_fractional_scale_manager_v1_interface, 1);
     take(m_logicalOutputs, zxdg_output_manager_v1_interface, 3);
+    m_isPlasma = m_isPlasma || offered == "org_kde_plasma_shell";
     if (offered == wl_seat_interface.name) {
         m_newSeats.push_back({name, version});
         Q_EMIT seatsCame();

@@ -41,6 +41,9 @@ public:
     {
         return m_fractions.get();
     } ///< or null
+    /// Whether it is Plasma's compositor, whose desktop, picture and icons in one, lies in the
+    /// layer "background".
+    bool isPlasma() const { return m_isPlasma; }
     /// In the order in which the compositor told of them.
     const std::vector<std::unique_ptr<WaylandOutput>>& outputs() const { return m_outputs; }
     /// The seats that have come since this was called last. They tell what they have only once,
@@ -83,6 +86,7 @@ private:
     WaylandHandle<wl_shm> m_shm;
     WaylandHandle<zwlr_layer_shell_v1> m_layerShell;
     WaylandHandle<wp_viewporter> m_viewporter;
+    bool m_isPlasma = false;
     WaylandHandle<wp_fractional_scale_manager_v1> m_fractions;
     WaylandHandle<zxdg_output_manager_v1> m_logicalOutputs;
     struct Global {

@@ -37,8 +37,11 @@ WaylandDisplay::WaylandDisplay(std::unique_ptr<WaylandConnection> connection)
     connect(&m_nextAttempt, &QTimer::timeout, this, &WaylandDisplay::connectAgain);
     m_lookForOthers.setSingleShot(true);
     connect(&m_lookForOthers, &QTimer::timeout, this, [this] {
-        const auto former = std::exchange(m_otherWallpaper, OtherWallpapers::running());
-        if (m_otherWallpaper != former)
+        const auto former = problem();
+        m_otherWallpaper = OtherWallpapers::running();
+        m_hidesIcons =
+            m_connection && m_connection->isPlasma() && OtherWallpapers::isPlasmaRunning();
+        if (problem() != former)
             Q_EMIT problemChanged();
         m_lookForOthers.start(m_otherWallpaper.isEmpty() ? rarely : often);
     });
@@ -61,6 +64,7 @@ void WaylandDisplay::take(std::unique_ptr<WaylandConnection> connection)
     takeSeats();
     readOutputs();
     m_otherWallpaper.clear();
+    m_hidesIcons = false;
     m_lookForOthers.start(often);
 }
 
@@ -76,6 +80,8 @@ QString WaylandDisplay::problem() const
 {
     if (!m_connection)
         return u"The Wayland compositor has closed the connection; waiting for it."_s;
+    if (m_hidesIcons)
+        return u"The desktop's icons are behind the video: Plasma draws them into its own picture."_s;
     return m_otherWallpaper.isEmpty()
                ? QString()
                : u"%1 runs as well, and what it shows may lie in front of the wallpaper."_s.arg(

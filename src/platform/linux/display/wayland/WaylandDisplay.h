@@ -53,4 +53,5 @@ private:
     QTimer m_nextAttempt;
     QTimer m_lookForOthers;
     QString m_otherWallpaper;
+    bool m_hidesIcons = false; // Plasma's
 };

@@ -67,8 +67,9 @@ void WaylandWindow::detach()
 
 std::uint32_t WaylandWindow::layer() const
 {
-    return m_committed.order == StackingOrder::Front ? ZWLR_LAYER_SHELL_V1_LAYER_BOTTOM
-                                                     : ZWLR_LAYER_SHELL_V1_LAYER_BACKGROUND;
+    // Within a layer Plasma shows in front what came last, which may be its desktop at any time.
+    const bool isInFront = m_committed.order == StackingOrder::Front || m_connection->isPlasma();
+    return isInFront ? ZWLR_LAYER_SHELL_V1_LAYER_BOTTOM : ZWLR_LAYER_SHELL_V1_LAYER_BACKGROUND;
 }
 
 void WaylandWindow::makeSurface()
@@ -94,6 +95,12 @@ void WaylandWindow::makeSurface()
                 m_connection->fractionalScales(), m_wlSurface));
             wp_fractional_scale_v1_add_listener(m_fraction.get(), &scaleListener, this);
         }
+    }
+    if (m_connection->isPlasma()) {
+        // The desktop behind us is used as ever.
+        const WaylandHandle<wl_region> nothing(
+            wl_compositor_create_region(m_connection->compositor()));
+        wl_surface_set_input_region(m_wlSurface, nothing.get());
     }
     wl_surface_commit(m_wlSurface); // asks for the size
     m_surface = std::make_shared<WaylandSurface>(std::move(surface));
