@@ -22,7 +22,6 @@ X11Blanking::X11Blanking(X11Connection& connection) : m_connection(connection)
         askScreenSaver();
     }
     if (hasExtension(m_connection.get(), xcb_dpms_id)) {
-        m_question.setTimerType(Qt::VeryCoarseTimer); // wakes nobody who would not wake anyway
         connect(&m_question, &QTimer::timeout, this, &X11Blanking::askMonitors);
         askMonitors();
     }
