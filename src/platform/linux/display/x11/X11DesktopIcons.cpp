@@ -45,6 +45,13 @@ Disposable X11DesktopIcons::follow()
     });
 }
 
+void X11DesktopIcons::setIsPaused(bool isPaused)
+{
+    m_isPaused = isPaused;
+    for (const auto& [window, picture] : m_pictures)
+        picture->setIsPaused(isPaused);
+}
+
 void X11DesktopIcons::update()
 {
     auto former = std::exchange(m_pictures, {});
@@ -55,6 +62,7 @@ void X11DesktopIcons::update()
         if (!picture || picture->desktop() != desktop)
             picture =
                 std::make_unique<X11DesktopPicture>(m_connection, desktop, [this] { collect(); });
+        picture->setIsPaused(m_isPaused);
         m_pictures.emplace(desktop.window, std::move(picture));
     }
     collect();

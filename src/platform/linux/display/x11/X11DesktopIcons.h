@@ -24,6 +24,9 @@ public:
     /// Until the token is released.
     [[nodiscard]] Disposable follow();
 
+    /// While nobody can see them they are not looked for.
+    void setIsPaused(bool isPaused);
+
     /// In root coordinates.
     const QRegion& area() const { return m_area; }
     /// Why icons are not seen, as a sentence; empty where they are. It has been so for a while.
@@ -42,6 +45,7 @@ private:
     X11ForeignDesktops& m_desktops;
     bool m_isPossible; // with this server
     int m_followerCount = 0;
+    bool m_isPaused = false;
     std::map<xcb_window_t, std::unique_ptr<X11DesktopPicture>> m_pictures;
     QRegion m_area;
     QString m_problem;

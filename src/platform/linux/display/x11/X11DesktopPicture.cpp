@@ -18,9 +18,9 @@ namespace {
 constexpr auto quiet = 100ms;    // after the last change
 constexpr auto patience = 400ms; // after the first, when there is no end to them
 
-/// While the backdrop is not known: all has to be read each time.
-constexpr auto retryQuiet = 500ms;
-constexpr auto retryPatience = 5s;
+/// While the backdrop is not known.
+constexpr std::chrono::milliseconds firstRetry = 500ms;
+constexpr std::chrono::milliseconds lastRetry = 64s;
 
 /// Icons and their names take less; a wrong backdrop differs nearly everywhere.
 constexpr double mostOfIcons = 0.1;
@@ -69,10 +69,10 @@ X11DesktopPicture::X11DesktopPicture(
       m_damage(xcb_generate_id(connection.get())),
       m_mask(desktop.frame.size()),
       m_settling(
-          quiet, [this] { readDamaged(); }, patience),
-      m_retrying(
-          retryQuiet, [this] { readDamaged(); }, retryPatience)
+          quiet, [this] { readDamaged(); }, patience)
 {
+    m_retry.setSingleShot(true);
+    m_retry.callOnTimeout([this] { readDamaged(); });
     follow();
     noteNewBackdrop();
 }
@@ -106,7 +106,32 @@ void X11DesktopPicture::follow()
 void X11DesktopPicture::noteNewBackdrop()
 {
     m_backdrop = {};
-    m_settling.call();
+    m_retry.setInterval(firstRetry);
+    m_isReadingDue = m_isPaused;
+    if (!m_isPaused)
+        m_settling.call();
+}
+
+void X11DesktopPicture::setIsPaused(bool isPaused)
+{
+    m_isPaused = isPaused;
+    if (isPaused) {
+        m_isReadingDue = m_isReadingDue || m_settling.isPending() || m_retry.isActive();
+        m_settling.cancel();
+        m_retry.stop();
+    } else if (std::exchange(m_isReadingDue, false)) {
+        readSoon();
+    }
+}
+
+void X11DesktopPicture::readSoon()
+{
+    if (m_isPaused)
+        m_isReadingDue = true;
+    else if (m_isUnderstood)
+        m_settling.call();
+    else if (!m_retry.isActive())
+        m_retry.start();
 }
 
 /// The server tells of each place once, until we have read.
@@ -116,14 +141,14 @@ void X11DesktopPicture::noteDamage(const QRect& area)
     constexpr int mostParts = 16;
     if (m_unread.rectCount() > mostParts)
         m_unread = m_unread.boundingRect();
-    (m_isUnderstood ? m_settling : m_retrying).call();
+    readSoon();
 }
 
 void X11DesktopPicture::readDamaged()
 {
     auto* const x11 = m_connection.get();
     m_settling.cancel();
-    m_retrying.cancel();
+    m_retry.stop();
     // First, so that what is drawn while we read is told of again.
     xcb_damage_subtract(x11, m_damage, XCB_NONE, XCB_NONE);
     // A window that has another size by now has another pixmap.
@@ -135,8 +160,10 @@ void X11DesktopPicture::readDamaged()
     m_unread = {};
     if (!m_isUnderstood) {
         m_backdrop = {};
+        m_retry.setInterval(
+            wasKnown ? firstRetry : std::min(2 * m_retry.intervalAsDuration(), lastRetry));
         if (wasKnown)
-            m_retrying.call(); // it may be another one now
+            readSoon(); // it may be another one now
     }
     m_icons = m_isUnderstood ? m_mask.region(mostRectangles).translated(m_desktop.frame.topLeft())
                              : QRegion();

@@ -9,6 +9,8 @@
 #include <QRect>
 #include <QRegion>
 
+#include <QTimer>
+
 #include <functional>
 #include <optional>
 #include <variant>
@@ -35,6 +37,8 @@ public:
 
     /// Reads all of it again.
     void noteNewBackdrop();
+    /// Reads nothing, until it is wanted again.
+    void setIsPaused(bool isPaused);
 
 private:
     using Pixels = std::vector<std::uint32_t>;
@@ -47,6 +51,7 @@ private:
 
     void follow();
     void noteDamage(const QRect& area);
+    void readSoon();
     void readDamaged();
     bool readAll(xcb_pixmap_t picture);
     bool readParts(xcb_pixmap_t picture);
@@ -66,6 +71,8 @@ private:
     PixelMask m_mask;
     QRegion m_icons;
     bool m_isUnderstood = true;
+    bool m_isPaused = false;
+    bool m_isReadingDue = false; // when it is not paused any more
     Debounce m_settling;
-    Debounce m_retrying; // while it is not understood
+    QTimer m_retry; // while it is not understood: all has to be read, ever more seldom
 };

@@ -44,6 +44,9 @@ void X11DesktopPresses::select(std::uint32_t events)
 void X11DesktopPresses::handle(const xcb_generic_event_t& event)
 {
     const auto& button = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
+    constexpr std::uint32_t firstOfWheel = 4;
+    if (button.detail >= firstOfWheel)
+        return;
     if (button.event_type == XCB_INPUT_RAW_BUTTON_PRESS) {
         if (!isPrimary(button.detail))
             return;
@@ -51,8 +54,9 @@ void X11DesktopPresses::handle(const xcb_generic_event_t& event)
         m_isPressed = where && where->isOnDesktop;
         if (m_isPressed)
             Q_EMIT pressed(where->position);
-    } else if (button.event_type == XCB_INPUT_RAW_BUTTON_RELEASE && isPrimary(button.detail) &&
-               std::exchange(m_isPressed, false)) {
+    } else if (button.event_type == XCB_INPUT_RAW_BUTTON_RELEASE && m_isPressed &&
+               isPrimary(button.detail)) {
+        m_isPressed = false;
         if (const auto where = pointer())
             Q_EMIT released(where->position);
     }

@@ -38,6 +38,7 @@ X11Display::X11Display(std::unique_ptr<X11Connection> connection)
     connect(&m_occlusion, &X11Occlusion::changed, this, &DisplayServer::occlusionChanged);
     connect(&m_icons, &X11DesktopIcons::problemChanged, this, &DisplayServer::problemChanged);
     connect(&m_occlusion, &X11Occlusion::windowChanged, this, &FrameOutput::statusChanged);
+    connect(&holds(), &Holds::changed, this, [this] { m_icons.setIsPaused(!holds().isEmpty()); });
     const auto holdWhileBlanked = [this] {
         holds().set(Holds::Reason::Blanked, m_blanking.isBlanked());
     };
