@@ -109,8 +109,9 @@ ExitStatus CommandHandlers::status(Companion& companion, const Arguments& argume
             isRunning ? u"running, but it does not answer" : u"not running in this session"));
         Output::print(u"wallpaper  not shown; set to %1"_s.arg(wish));
     }
-    Output::print(
-        u"video      %1"_s.arg(current != entries.end() ? current->title : u"none chosen"_s));
+    const auto chosen = current != entries.end() ? current->title : u"none chosen"_s;
+    const auto title = report && !report->title.isEmpty() ? report->title : chosen;
+    Output::print(u"video      %1"_s.arg(title));
     Output::print(u"order      %1"_s.arg(order));
     Output::print(isSingleScreen
                       ? u"screens    %1 %2"_s.arg(screens).arg(preferences.screenIndex() + 1)

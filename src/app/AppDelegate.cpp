@@ -48,7 +48,6 @@ AppDelegate::AppDelegate(Application& application) : m_application(application)
 void AppDelegate::applicationDidFinishLaunching()
 {
     VideoPlayerManager::shared().createWindows();
-    m_statusReporter.emplace(Preferences::shared(), VideoPlayerManager::shared());
     auto& statusBarManager = StatusBarManager::shared();
     statusBarManager.setDelegate(
         {[this] { checkUpgrade(WithoutUpgrade::SaySo); }, [this] { m_application.terminate(); }});
@@ -56,6 +55,7 @@ void AppDelegate::applicationDidFinishLaunching()
     m_wakeObserver =
         observe(Workspace::shared(), &Workspace::didWake, [this] { didWakeNotification(); });
     checkUpgrade(WithoutUpgrade::Silent);
+    m_statusReporter.emplace(Preferences::shared(), VideoPlayerManager::shared());
 }
 
 void AppDelegate::applicationWillTerminate()

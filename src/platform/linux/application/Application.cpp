@@ -102,14 +102,16 @@ QString nameOf(const Holds& holds)
     return holds.has(Reason::Unseen) ? u"covered"_s : QString();
 }
 
-DisplayFacts factsOf(DisplayServer& display)
+DisplayFacts factsOf(DisplayServer& display, const std::vector<Screen>& screens)
 {
     DisplayFacts facts;
     facts.canShow = display.canPresent();
     facts.problem = display.problem();
     facts.hold = nameOf(display.holds());
-    for (const auto& [name, state] : display.screenStates())
-        facts.monitors[name] = nameOf(state);
+    for (const auto& screen : screens)
+        facts.monitors[screen.name] = nameOf(display.screenState(screen.name));
+    if (facts.hold.isEmpty() && !facts.monitors.values().contains(u"shown"_s))
+        facts.hold = u"covered"_s;
     facts.renderer = display.rendererName();
     const auto& statistics = display.statistics();
     facts.decoder = statistics.decoder;
@@ -236,11 +238,11 @@ void Application::followDisplay()
     m_body->holdWhileLocked();
 
     auto& status = HelperStatusObject::shared();
-    status.setDisplayFacts([display] { return factsOf(*display); });
+    status.setDisplayFacts([this, display] { return factsOf(*display, m_body->screens); });
     const auto update = [&status] { status.update(); };
     connect(display, &FrameOutput::statusChanged, &status, update);
     connect(display, &DisplayServer::problemChanged, &status, update);
-    connect(display, &DisplayServer::screensChanged, &status, update);
+    connect(this, &Application::didChangeScreenParameters, &status, update);
     connect(&display->holds(), &Holds::changed, &status, update);
 }
 

@@ -42,6 +42,8 @@ HelperStatusObject::HelperStatusObject()
     m_update.setSingleShot(true);
     m_update.setInterval(0ms);
     connect(&m_update, &QTimer::timeout, this, &HelperStatusObject::tellChanges);
+    QDBusConnection::sessionBus().registerObject(
+        SessionNames::helperPath, this, QDBusConnection::ExportAllProperties);
 }
 
 void HelperStatusObject::setDisplayFacts(std::function<DisplayFacts()> facts)
@@ -87,10 +89,6 @@ HelperStatus::Report HelperStatusObject::report() const
 
 void HelperStatusObject::tellChanges()
 {
-    // Again and again, because the bus may be another one by now; a second time is refused.
-    auto bus = QDBusConnection::sessionBus();
-    bus.registerObject(SessionNames::helperPath, this, QDBusConnection::ExportAllProperties);
-
     const auto now = report();
     const auto told = properties(std::exchange(m_told, now));
     QVariantMap changes;
@@ -104,5 +102,5 @@ void HelperStatusObject::tellChanges()
     auto signal = QDBusMessage::createSignal(
         SessionNames::helperPath, u"org.freedesktop.DBus.Properties"_s, u"PropertiesChanged"_s);
     signal << SessionNames::helperInterface << changes << QStringList();
-    bus.send(signal);
+    QDBusConnection::sessionBus().send(signal);
 }

@@ -29,11 +29,24 @@ ScreenSaverListener::ScreenSaverListener()
         // Only from who owns the name. The path differs from desktop to desktop.
         bus.connect(name, QString(), name, u"ActiveChanged"_s, this, SLOT(hear(QDBusMessage)));
     }
+    // Nobody can take back what was said when the bus has gone.
+    bus.connect(QString(),
+        u"/org/freedesktop/DBus/Local"_s,
+        u"org.freedesktop.DBus.Local"_s,
+        u"Disconnected"_s,
+        this,
+        SLOT(forget()));
     // Gone, or another one's by now.
     connect(
         &m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, [this](const QString& name) {
             set(name, false);
         });
+}
+
+void ScreenSaverListener::forget()
+{
+    for (const auto& name : screenSavers())
+        set(name, false);
 }
 
 void ScreenSaverListener::hear(const QDBusMessage& message)

@@ -22,6 +22,7 @@ Q_SIGNALS:
 
 private Q_SLOTS:
     void hear(const QDBusMessage& message);
+    void forget();
 
 private:
     void set(const QString& interface, bool isActive);

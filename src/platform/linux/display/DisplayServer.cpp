@@ -36,21 +36,15 @@ std::unique_ptr<NativeWindow> DisplayServer::takeWindow(
     return window;
 }
 
-std::map<QString, DisplayServer::ScreenState> DisplayServer::screenStates() const
+DisplayServer::ScreenState DisplayServer::screenState(const QString& name) const
 {
-    std::map<QString, ScreenState> states;
-    for (const auto& screen : screens()) {
-        auto& state = states.try_emplace(screen.name, ScreenState::Unused).first->second;
-        const auto taken = std::ranges::find_if(
-            m_taken, [&](const auto* window) { return window->screen().name == screen.name; });
-        if (taken == m_taken.end())
-            continue;
-        if (!(*taken)->isShown())
-            state = ScreenState::Closed;
-        else
-            state = (*taken)->isCovered() ? ScreenState::Covered : ScreenState::Shown;
-    }
-    return states;
+    const auto taken = std::ranges::find_if(
+        m_taken, [&](const auto* window) { return window->screen().name == name; });
+    if (taken == m_taken.end())
+        return ScreenState::Unused;
+    if (!(*taken)->isShown())
+        return ScreenState::Closed;
+    return (*taken)->isCovered() ? ScreenState::Covered : ScreenState::Shown;
 }
 
 void DisplayServer::giveBack(std::unique_ptr<NativeWindow> window)

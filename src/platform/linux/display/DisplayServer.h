@@ -6,7 +6,6 @@
 
 #include <QTimer>
 
-#include <map>
 #include <memory>
 #include <vector>
 
@@ -33,9 +32,9 @@ public:
     /// Why people may see no wallpaper, as a sentence; empty where they do.
     virtual QString problem() const { return {}; }
 
-    /// By the screen's name: whether its window is seen, if it has one.
+    /// Whether the window on a screen of that name is seen, if there is one.
     enum class ScreenState { Unused, Closed, Covered, Shown };
-    std::map<QString, ScreenState> screenStates() const;
+    ScreenState screenState(const QString& name) const;
 
     /// What a `DesktopWindow` uses. The window on that screen is the one that was given back in
     /// this turn, or else a new one.

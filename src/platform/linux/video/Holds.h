@@ -17,8 +17,8 @@ public:
     };
 
     void set(Reason reason, bool holds);
-    /// Somebody has touched the picture. Lockers that say otherwise are not believed until they say
-    /// it again.
+    /// Somebody has pressed on the picture, so the session is not locked, whoever says so, until it
+    /// is locked the next time.
     void noticePerson();
     bool has(Reason reason) const { return (m_reasons & static_cast<unsigned>(reason)) != 0; }
     bool isEmpty() const { return m_reasons == 0; }

@@ -216,10 +216,9 @@ void PictureLoop::draw()
     m_due = Clock::now();
     if (m_isOffered) {
         const auto picture = nextPicture(*m_context);
-        count(picture); // before the core goes on with the next one
+        m_isNew = count(picture) || m_isNew; // before the core goes on with the next one
         m_due = timeOf(picture);
         m_content = Content::Picture;
-        m_isNew = true;
     }
     if (m_content != Content::Picture)
         m_presenter->clear();
@@ -228,12 +227,15 @@ void PictureLoop::draw()
     m_isOffered = m_isStale = false;
 }
 
-void PictureLoop::count(const mpv_render_frame_info& picture)
+bool PictureLoop::count(const mpv_render_frame_info& picture)
 {
     // The core also offers its last picture again.
     constexpr std::uint64_t old = MPV_RENDER_FRAME_INFO_REDRAW | MPV_RENDER_FRAME_INFO_REPEAT;
-    if ((picture.flags & MPV_RENDER_FRAME_INFO_PRESENT) != 0 && (picture.flags & old) == 0)
+    const bool isNew =
+        (picture.flags & MPV_RENDER_FRAME_INFO_PRESENT) != 0 && (picture.flags & old) == 0;
+    if (isNew)
         ++m_pictureCount;
+    return isNew;
 }
 
 PictureLoop::Clock::time_point PictureLoop::timeOf(const mpv_render_frame_info& picture) const

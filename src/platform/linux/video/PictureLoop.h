@@ -59,7 +59,8 @@ private:
     void skipPicture();
     void discardPicture();
     void draw();
-    void count(const mpv_render_frame_info& picture);
+    /// Whether it is a new one.
+    bool count(const mpv_render_frame_info& picture);
     Clock::time_point timeOf(const mpv_render_frame_info& picture) const;
 
     mpv_handle& m_core; // for its clock, which any thread may ask

@@ -344,10 +344,10 @@ void Player::Body::handle(const mpv_event& event)
         const bool isList = end.reason == MPV_END_FILE_REASON_REDIRECT;
         if (!isOurs || (end.reason != MPV_END_FILE_REASON_ERROR && !isList))
             break;
-        if (m_decodesPictures)
-            fail();
-        else
+        if (m_hasLackedPictures)
             load(); // its sound has gone, and there was nothing else
+        else
+            fail();
         break;
     }
     case MPV_EVENT_IDLE:

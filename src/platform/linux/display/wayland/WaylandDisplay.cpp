@@ -26,13 +26,14 @@ constexpr auto seeingSettles = 1s;
 } // namespace
 
 WaylandDisplay::WaylandDisplay(std::unique_ptr<WaylandConnection> connection)
-    : m_seeing(seeingSettles, [this] {
-          const bool isUnseen = holds().has(Holds::Reason::Unseen);
-          if (std::exchange(m_isUnseen, isUnseen) != isUnseen)
-              Q_EMIT occlusionChanged();
-      })
+    : m_seeing(seeingSettles, [this] { tellSeeing(); })
 {
-    connect(&holds(), &Holds::changed, this, [this] { m_seeing.call(); });
+    connect(&holds(), &Holds::changed, this, [this] {
+        if (holds().has(Holds::Reason::Unseen))
+            m_seeing.call();
+        else
+            tellSeeing(); // people wait for it
+    });
     m_nextAttempt.setInterval(attemptInterval);
     connect(&m_nextAttempt, &QTimer::timeout, this, &WaylandDisplay::connectAgain);
     m_lookForOthers.setSingleShot(true);
@@ -66,6 +67,14 @@ void WaylandDisplay::take(std::unique_ptr<WaylandConnection> connection)
     m_otherWallpaper.clear();
     m_hidesIcons = false;
     m_lookForOthers.start(often);
+}
+
+void WaylandDisplay::tellSeeing()
+{
+    m_seeing.cancel();
+    const bool isUnseen = holds().has(Holds::Reason::Unseen);
+    if (std::exchange(m_isUnseen, isUnseen) != isUnseen)
+        Q_EMIT occlusionChanged();
 }
 
 void WaylandDisplay::takeSeats()

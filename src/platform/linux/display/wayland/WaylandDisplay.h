@@ -38,6 +38,7 @@ private:
     void lose();
     void connectAgain();
     void takeSeats();
+    void tellSeeing();
     void readOutputs();
     void placeWindows();
     const WaylandOutput* outputFor(const Screen& screen) const;
