@@ -169,6 +169,7 @@ private:
 std::set<xcb_window_t> frames(X11Connection& x11, const std::set<xcb_window_t>& windows)
 {
     std::vector<xcb_query_tree_cookie_t> questions;
+    questions.reserve(windows.size());
     for (const auto window : windows)
         questions.push_back(xcb_query_tree(x11.get(), window));
     std::set<xcb_window_t> parents;
