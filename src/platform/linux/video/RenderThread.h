@@ -34,7 +34,7 @@ public:
     /// `owner` tells targets apart; it is not looked into.
     void setTarget(const void* owner, const FrameTarget& target);
     void removeTarget(const void* owner);
-    /// The core does not decode pictures for now: what is shown stays until it does again.
+    /// The core has stopped decoding pictures: what is shown stays until it goes on.
     void forgetPicture();
     /// Shows the latest picture once more.
     void presentAgain();
