@@ -33,7 +33,7 @@ constexpr quint64 firstLoad =
 /// How long a round of a single picture lasts, by itself not a thirtieth of a second, and one of so
 /// few that it is over at once. Repeating them at that rate would keep the machine busy with
 /// showing the same pictures again.
-constexpr auto stillDuration = 5s;
+constexpr std::chrono::milliseconds stillDuration = 5s;
 constexpr std::uint64_t fewPictures = 5;
 constexpr std::chrono::milliseconds shortRound = 100ms;
 
@@ -122,7 +122,6 @@ Player::Body::Body()
     connect(&m_output, &FrameOutput::presentersChanged, this, &Body::changePresenter);
     connect(&m_output.holds(), &Holds::changed, this, &Body::applyHolds);
     m_stillPicture.setSingleShot(true);
-    m_stillPicture.setInterval(stillDuration);
     connect(&m_stillPicture, &QTimer::timeout, this, &Body::finishRound);
     mpv_observe_property(m_core.get(), 0, "eof-reached", MPV_FORMAT_FLAG);
     mpv_observe_property(m_core.get(), 0, "aid", MPV_FORMAT_INT64);
@@ -192,6 +191,7 @@ void Player::Body::setDecodesPictures(bool decodes)
     if (std::exchange(m_decodesPictures, decodes) == decodes)
         return;
     Mpv::setText(m_core.get(), "vid", decodes ? "auto" : "no");
+    m_stillPicture.stop(); // a round without pictures is over as soon as somebody looks
     if (!decodes) {
         m_hasLackedPictures = true;
         m_renderThread.forgetPicture();
@@ -423,7 +423,7 @@ void Player::Body::waitForStillPicture()
     if (!m_isStill || isResting())
         m_stillPicture.stop();
     else if (!m_stillPicture.isActive())
-        m_stillPicture.start();
+        m_stillPicture.start(m_hasLackedPictures && m_decodesPictures ? 0ms : stillDuration);
 }
 
 void Player::Body::finishRound()
