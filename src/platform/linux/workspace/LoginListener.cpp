@@ -15,7 +15,6 @@ constexpr auto loginPath = "/org/freedesktop/login1";
 constexpr auto managerInterface = "org.freedesktop.login1.Manager";
 constexpr auto sessionInterface = "org.freedesktop.login1.Session";
 constexpr auto propertiesInterface = "org.freedesktop.DBus.Properties";
-constexpr int answerTimeout = -1; // D-Bus's usual one; nobody waits
 
 LoginListener& listener(gpointer self)
 {
@@ -129,21 +128,37 @@ void LoginListener::hearSleep(GDBusConnection* /*bus*/,
         listener(self).m_handlers.didWake();
 }
 
+void LoginListener::call(const char* path,
+    const char* interface,
+    const char* method,
+    GVariant* arguments,
+    const char* answerType,
+    GAsyncReadyCallback take)
+{
+    constexpr int usualTimeout = -1;
+    g_dbus_connection_call(m_bus.get(),
+        login,
+        path,
+        interface,
+        method,
+        arguments,
+        G_VARIANT_TYPE(answerType),
+        G_DBUS_CALL_FLAGS_NO_AUTO_START,
+        usualTimeout,
+        m_attempt.get(),
+        take,
+        this);
+}
+
 /// Ours, or the user's own where this process runs beside it, as services of the user do.
 void LoginListener::askForSession()
 {
-    g_dbus_connection_call(m_bus.get(),
-        login,
-        loginPath,
+    call(loginPath,
         managerInterface,
         "GetSession",
         g_variant_new("(s)", "auto"),
-        G_VARIANT_TYPE("(o)"),
-        G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        answerTimeout,
-        m_attempt.get(),
-        takeSession,
-        this);
+        "(o)",
+        takeSession);
 }
 
 void LoginListener::takeSession(GObject* bus, GAsyncResult* result, gpointer self)
@@ -170,18 +185,12 @@ void LoginListener::followSession(const char* path)
         hearSession,
         this,
         nullptr);
-    g_dbus_connection_call(m_bus.get(),
-        login,
-        path,
+    call(path,
         propertiesInterface,
         "Get",
         g_variant_new("(ss)", sessionInterface, "LockedHint"),
-        G_VARIANT_TYPE("(v)"),
-        G_DBUS_CALL_FLAGS_NO_AUTO_START,
-        answerTimeout,
-        m_attempt.get(),
-        takeLockedHint,
-        this);
+        "(v)",
+        takeLockedHint);
 }
 
 void LoginListener::takeLockedHint(GObject* bus, GAsyncResult* result, gpointer self)

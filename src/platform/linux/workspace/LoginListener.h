@@ -29,6 +29,13 @@ private:
     void connect();
     void connectLater();
     void listen();
+    /// Asks logind. Nobody waits for the answer.
+    void call(const char* path,
+        const char* interface,
+        const char* method,
+        GVariant* arguments,
+        const char* answerType,
+        GAsyncReadyCallback take);
     void askForSession();
     void followSession(const char* path);
     void forgetSession();
