@@ -1,12 +1,15 @@
 #include "platform/linux/display/x11/X11DesktopPresses.h"
 
+#include "platform/linux/display/x11/X11WindowInput.h"
+
 #include <xcb/xinput.h>
 
 #include <utility>
 
 namespace {
 
-constexpr std::uint8_t primaryButton = 1;
+using X11WindowInput::primaryButton;
+
 constexpr int deepest = 32; // windows inside one another; a limit to what others can make us do
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "platform/linux/display/x11/X11ForeignDesktops.h"
 
+#include "platform/linux/display/x11/X11ForeignHints.h"
+
 #include <xcb/shape.h>
 #include <xcb/xfixes.h>
 
@@ -14,16 +16,6 @@ namespace {
 
 constexpr auto quiet = 300ms; // after the last change
 constexpr auto patience = 1s; // after the first, when there is no end to them
-
-/// More than people have; a limit to what other programs can make us do.
-constexpr std::size_t mostWindows = 512;
-constexpr std::size_t mostParts = 64;
-
-/// A number that another program has written, as a coordinate, of which the server has 16 bits.
-int coordinate(std::uint32_t value)
-{
-    return static_cast<int>(std::min<std::uint32_t>(value, 0x7fff));
-}
 
 /// What was asked about one window. It may be gone by now.
 struct Question {
@@ -48,17 +40,6 @@ struct Question {
     std::optional<xcb_shape_get_rectangles_cookie_t> shape;
 };
 
-QRegion regionOf(const std::vector<std::uint32_t>& values)
-{
-    QRegion region;
-    for (std::size_t i = 0; i + 3 < values.size() && i / 4 < mostParts; i += 4)
-        region += QRect(coordinate(values[i]),
-            coordinate(values[i + 1]),
-            coordinate(values[i + 2]),
-            coordinate(values[i + 3]));
-    return region;
-}
-
 /// One of very many rectangles counts as what it lies in.
 QRegion regionOf(const xcb_shape_get_rectangles_reply_t& shape)
 {
@@ -67,7 +48,8 @@ QRegion regionOf(const xcb_shape_get_rectangles_reply_t& shape)
     const auto count = static_cast<std::size_t>(xcb_shape_get_rectangles_rectangles_length(&shape));
     for (std::size_t i = 0; i < count; ++i) {
         const QRect part(parts[i].x, parts[i].y, parts[i].width, parts[i].height);
-        region = i < mostParts ? region + part : QRegion(region.boundingRect() | part);
+        region =
+            i < X11ForeignHints::mostParts ? region + part : QRegion(region.boundingRect() | part);
     }
     return region;
 }
@@ -94,7 +76,7 @@ std::optional<X11ForeignDesktop> answer(
     QRegion area = shape ? regionOf(*shape) & inside : QRegion(inside);
     const bool hasAlpha = doesTransparencyShow && geometry->depth == depthWithAlpha;
     if (hasAlpha)
-        area &= regionOf(opaqueParts);
+        area &= X11ForeignHints::opaqueRegion(opaqueParts);
     if (doesTransparencyShow && !opacity.empty() && opacity.front() != opaque)
         area = {};
     const QPoint position(origin->dst_x, origin->dst_y);
@@ -200,7 +182,7 @@ std::vector<xcb_window_t> X11ForeignDesktops::desktopWindows()
     auto windows = m_connection.property(
         m_connection.root(), hints._NET_CLIENT_LIST_STACKING, XCB_ATOM_WINDOW);
     std::erase_if(windows, [this](auto window) { return m_connection.isOwn(window); });
-    windows.resize(std::min(windows.size(), mostWindows));
+    windows.resize(std::min(windows.size(), X11ForeignHints::mostWindows));
 
     std::vector<X11PropertyCookie> questions;
     questions.reserve(windows.size());

@@ -1,5 +1,7 @@
 #include "platform/linux/display/x11/X11WindowStack.h"
 
+#include "platform/linux/display/x11/X11ForeignHints.h"
+
 #include <xcb/shape.h>
 
 #include <algorithm>
@@ -7,23 +9,15 @@
 #include <iterator>
 #include <optional>
 
-namespace {
+using X11ForeignHints::mostWindows;
 
-/// More than people have; a limit to what other programs can make us do.
-constexpr std::size_t mostWindows = 512;
-constexpr std::size_t mostOpaqueParts = 64;
+namespace {
 
 using Values = std::vector<std::uint32_t>;
 
 bool contains(const Values& values, std::uint32_t value)
 {
     return std::ranges::find(values, value) != values.end();
-}
-
-/// A number that another program has written, as a coordinate, of which the server has 16 bits.
-int coordinate(std::uint32_t value)
-{
-    return static_cast<int>(std::min<std::uint32_t>(value, 0x7fff));
 }
 
 /// What is known about one window. It may be gone by now, in which case that is nothing.
@@ -139,18 +133,14 @@ private:
     /// Toolkits that draw their own frames and shadows say which part lets nothing through.
     static QRegion opaqueParts(const Knowledge& window)
     {
-        QRegion parts;
-        const auto& values = window.opaqueParts;
-        for (std::size_t i = 0; i + 3 < values.size() && i / 4 < mostOpaqueParts; i += 4)
-            parts += QRect(coordinate(values[i]),
-                coordinate(values[i + 1]),
-                coordinate(values[i + 2]),
-                coordinate(values[i + 3]));
-        return parts.translated(window.origin->dst_x, window.origin->dst_y) & window.frame();
+        return X11ForeignHints::opaqueRegion(window.opaqueParts)
+                   .translated(window.origin->dst_x, window.origin->dst_y) &
+               window.frame();
     }
 
     static QRect withFrame(const Knowledge& window)
     {
+        using X11ForeignHints::coordinate;
         const auto& extents = window.frameExtents; // left, right, top, bottom
         if (extents.size() < 4)
             return window.frame();
